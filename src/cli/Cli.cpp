@@ -1,0 +1,68 @@
+#include "cli/Cli.h"
+
+#include <ostream>
+
+namespace kestrum::cli {
+
+int CapturePlatform::MsgBox(const std::string& text, int style, const std::string&) {
+  messages.push_back(text);
+  return style == vbOKOnly ? vbOK : vbYes;
+}
+
+std::string Step::Option(const std::string& name, const std::string& fallback) const {
+  auto it = options.find(name);
+  return it == options.end() ? fallback : it->second;
+}
+
+const std::vector<StepSpec>& AllSteps() {
+  static const std::vector<StepSpec> steps = [] {
+    std::vector<StepSpec> all;
+    for (auto part : {LoadSteps, BufferSteps, SaveSteps})
+      for (auto& spec : part()) all.push_back(std::move(spec));
+    return all;
+  }();
+  return steps;
+}
+
+std::string StepUsage(const StepSpec& spec) {
+  std::string usage = spec.name;
+  for (const auto& a : spec.args) usage += " " + a;
+  if (!spec.optionalArg.empty()) usage += " [" + spec.optionalArg + "]";
+  for (const auto& o : spec.options) usage += " [" + o.name + " " + o.valueName + "]";
+  return usage;
+}
+
+bool ParseHex(const std::string& text, int maxDigits, Address& value) {
+  if (text.empty() || static_cast<int>(text.size()) > maxDigits) return false;
+  value = 0;
+  for (char c : text) {
+    int d = HexDigitValue(c);
+    if (d < 0) return false;
+    value = value * 16 + d;
+  }
+  return true;
+}
+
+bool ParseRange(const std::string& text, Address& first, Address& last, std::string& why) {
+  const auto colon = text.find(':');
+  if (colon == std::string::npos) {
+    why = "'" + text + "' is no range FIRST:LAST";
+    return false;
+  }
+  const std::string a = text.substr(0, colon), b = text.substr(colon + 1);
+  if (!ParseHex(a, 8, first) || !ParseHex(b, 8, last)) {
+    why = "'" + text + "' is no range of hexadecimal addresses (1 to 8 digits each)";
+    return false;
+  }
+  // The window's way: padded to 8 digits, then read as two groups of four.
+  first = AddressFromText(PadAddressText(a));
+  last = AddressFromText(PadAddressText(b));
+  return true;
+}
+
+int Fail(CliContext& ctx, int status, const std::string& message) {
+  ctx.err << "kestrum-cli: " << message << '\n';
+  return status;
+}
+
+}  // namespace kestrum::cli

@@ -1,0 +1,79 @@
+#pragma once
+// The command line's steps: how they are spelled, and the context they run in.
+#include <iosfwd>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "image/Module1.h"
+#include "image/Platform.h"
+
+namespace kestrum::cli {
+
+// Exit statuses.
+constexpr int kOk = 0;
+constexpr int kFailed = 1;  // a file or record error, memory short
+constexpr int kUsage = 2;   // the words of the call, or a value a dialog would refuse
+
+// Message boxes of the core become recorded lines; questions answer Yes.
+class CapturePlatform : public Platform {
+ public:
+  int MsgBox(const std::string& text, int style, const std::string& title) override;
+  void SetMousePointer(int) override {}
+  std::vector<std::string> messages;
+};
+
+struct CliContext {
+  Module1 m;
+  CapturePlatform platform;
+  std::ostream& out;
+  std::ostream& err;
+  bool verbose = false;
+};
+
+struct Step;
+using StepRunner = int (*)(CliContext&, const Step&);
+
+struct OptionSpec {
+  std::string name;  // with its leading "--"
+  std::string valueName;
+};
+
+struct StepSpec {
+  std::string name;
+  std::vector<std::string> args;      // names of the required arguments
+  std::string optionalArg;            // name of one optional argument, or empty
+  std::vector<OptionSpec> options;
+  std::string summary;
+  StepRunner run = nullptr;
+};
+
+struct Step {
+  const StepSpec* spec = nullptr;
+  std::vector<std::string> args;
+  std::map<std::string, std::string> options;
+
+  // The option's value, or fallback when it was not given.
+  std::string Option(const std::string& name, const std::string& fallback = {}) const;
+  bool Has(const std::string& name) const { return options.count(name) != 0; }
+};
+
+// The steps of each part of the program, in the order --help lists them.
+std::vector<StepSpec> BufferSteps();
+std::vector<StepSpec> LoadSteps();
+std::vector<StepSpec> SaveSteps();
+const std::vector<StepSpec>& AllSteps();
+
+// The usage line of a step, as --help shows it.
+std::string StepUsage(const StepSpec& spec);
+
+// Reads FIRST:LAST as the window reads two address fields. False, with the
+// reason, when the text is no range of hexadecimal addresses.
+bool ParseRange(const std::string& text, Address& first, Address& last, std::string& why);
+// Reads hexadecimal text of 1 to maxDigits digits.
+bool ParseHex(const std::string& text, int maxDigits, Address& value);
+
+// Prints "kestrum-cli: message" to standard error and gives status.
+int Fail(CliContext& ctx, int status, const std::string& message);
+
+}  // namespace kestrum::cli

@@ -1,0 +1,64 @@
+#pragma once
+// What every form shares: the context it works in, design sizes in twips,
+// fonts, and the key filters hooked to text boxes.
+#include <QFont>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QObject>
+#include <QRect>
+#include <QString>
+#include <QWidget>
+#include <string>
+#include <string_view>
+
+#include "image/Module1.h"
+#include "image/Platform.h"
+#include "image/Settings.h"
+
+namespace kestrum::forms {
+
+// The shared state and the two seams, owned by the program.
+struct AppContext {
+  Module1& m;
+  Platform& platform;
+  SettingsStore& store;
+};
+
+// Design sizes are in twips; 15 twips make a pixel at 100 % scale. Qt scales
+// the pixels on high-resolution screens.
+constexpr int Px(int twips) { return (twips + 7) / 15; }
+inline QRect Twips(int left, int top, int width, int height) {
+  return QRect(Px(left), Px(top), Px(width), Px(height));
+}
+
+// A child widget with the given object name, placed by its design size.
+template <typename W, typename... Args>
+W* MakeChild(QWidget* parent, const char* name, QRect place, Args&&... args) {
+  auto* w = new W(std::forward<Args>(args)..., parent);
+  w->setObjectName(QString::fromLatin1(name));
+  if (!place.isNull()) w->setGeometry(place);
+  return w;
+}
+
+// A label whose size follows its caption, placed at left, top.
+QWidget* MakeLabel(QWidget* parent, const char* name, const QString& caption, int left, int top,
+                   int width = 0, int height = 0);
+
+// A frame with a blue caption.
+QGroupBox* MakeFrame(QWidget* parent, const char* name, const QString& caption, QRect place);
+
+// The monospaced font of address fields and the dump ("Courier New", 8.25 pt).
+QFont MonoFont(double points = 8.25);
+
+// A dialog's client area in design twips, not resizable.
+void SetClientSize(QWidget* form, int widthTwips, int heightTwips);
+
+using KeyFilter = int (*)(std::string_view fieldText, int keyCode);
+
+// Runs every typed key of edit through filter before the field sees it.
+void HookKeyFilter(QLineEdit* edit, KeyFilter filter);
+
+inline QString Q(const std::string& s) { return QString::fromStdString(s); }
+inline std::string S(const QString& s) { return s.toStdString(); }
+
+}  // namespace kestrum::forms

@@ -1,0 +1,159 @@
+#include "forms/frmsumtool.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QPushButton>
+
+#include "bufferops/ClearBuffer.h"
+#include "bufferops/Dump.h"
+#include "forms/Dialogs.h"
+#include "image/KeyFilters.h"
+#include "image/Startup.h"
+
+namespace kestrum::forms {
+
+namespace {
+
+QLineEdit* MakeAddressBox(QWidget* parent, const char* name, QRect place) {
+  auto* box = MakeChild<QLineEdit>(parent, name, place);
+  box->setFont(MonoFont());
+  return box;
+}
+
+}  // namespace
+
+frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), ctx_(ctx) {
+  setObjectName(QStringLiteral("frmsumtool"));
+  setWindowTitle(QStringLiteral("Kestrum"));
+
+  auto* client = new QWidget(this);
+  client->setObjectName(QStringLiteral("client"));
+  client->setFixedSize(Px(8250), Px(3930));
+  setCentralWidget(client);
+
+  auto* frame1 = MakeFrame(client, "Frame1", QStringLiteral("File Operation"), Twips(255, 210, 2685, 2070));
+  cmdload_ = MakeChild<QPushButton>(frame1, "cmdload", Twips(240, 270, 2160, 420), QStringLiteral("File Load"));
+  cmdsave_ = MakeChild<QPushButton>(frame1, "cmdsave", Twips(240, 690, 2160, 420), QStringLiteral("File Save"));
+  MakeLabel(frame1, "Label8", QStringLiteral("Current File (Func F4)"), 630, 1275, 1515, 195);
+  Text1_ = MakeChild<QLineEdit>(frame1, "Text1", Twips(255, 1530, 2160, 360));
+  Text1_->setEnabled(false);
+  Text1_->setStyleSheet(QStringLiteral("QLineEdit#Text1 { background: cyan; color: black; }"));
+
+  auto* frame2 = MakeFrame(client, "Frame2", QStringLiteral("Buffer Operation"), Twips(3075, 210, 4890, 960));
+  cmdbufclear_ = MakeChild<QPushButton>(frame2, "cmdbufclear", Twips(255, 300, 1125, 450), QStringLiteral("Buffer Clear"));
+  cmdblstore_ = MakeChild<QPushButton>(frame2, "cmdblstore", Twips(1815, 300, 1125, 450), QStringLiteral("Block Store"));
+  cmdbufsum_ = MakeChild<QPushButton>(frame2, "cmdbufsum", Twips(3360, 300, 1125, 450), QStringLiteral("Buffer SUM"));
+
+  auto* frame3 = MakeFrame(client, "Frame3", QStringLiteral("Buffer Dump"), Twips(3060, 1170, 4905, 2445));
+  auto* cmdedit = MakeChild<QPushButton>(frame3, "cmdedit", Twips(360, 285, 705, 375), QStringLiteral("Dump"));
+  cmdedit->setAutoDefault(false);
+  MakeLabel(frame3, "Label1", QStringLiteral("Address"), 1305, 375, 570, 195);
+  txteditaddr_ = MakeAddressBox(frame3, "txteditaddr", Twips(2010, 330, 1005, 315));
+  HookKeyFilter(txteditaddr_, FilterAddressKey);
+  QFont stepFont = font();
+  stepFont.setPointSizeF(13.5);
+  cmdeditplus_ = MakeChild<QPushButton>(frame3, "cmdeditplus", Twips(3465, 255, 465, 465), QStringLiteral("+"));
+  cmdeditminus_ = MakeChild<QPushButton>(frame3, "cmdeditminus", Twips(3930, 255, 465, 465), QStringLiteral("-"));
+  cmdeditplus_->setFont(stepFont);
+  cmdeditminus_->setFont(stepFont);
+  List1_ = MakeChild<QListWidget>(frame3, "List1", Twips(75, 780, 4755, 1530));
+  List1_->setFont(MonoFont());
+  List1_->setSelectionMode(QAbstractItemView::SingleSelection);
+
+  auto* frame4 = MakeFrame(client, "Frame4", QStringLiteral("Buffer Area (Func D6)"), Twips(255, 2460, 2685, 1155));
+  txtbuffaddr_ = MakeAddressBox(frame4, "txtbuffaddr", Twips(1320, 300, 975, 330));
+  txtbufladdr_ = MakeAddressBox(frame4, "txtbufladdr", Twips(1320, 660, 975, 330));
+  for (auto* box : {txtbuffaddr_, txtbufladdr_}) {
+    box->setEnabled(false);
+    box->setMaxLength(8);
+  }
+  MakeLabel(frame4, "Label3", QStringLiteral("First  Address"), 120, 310, 1035, 210);
+  MakeLabel(frame4, "Label4", QStringLiteral("Last  Address"), 120, 670, 1035, 210);
+
+  // Focus follows the design's tab index.
+  QWidget* order[] = {cmdload_, cmdsave_, cmdbufclear_, cmdblstore_, cmdbufsum_, cmdedit,
+                      txteditaddr_, cmdeditplus_, cmdeditminus_, List1_};
+  for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
+
+  auto* mnufile = menuBar()->addMenu(QStringLiteral("File(&F)"));
+  mnufile->setObjectName(QStringLiteral("mnufile"));
+  auto* mnuload = mnufile->addAction(QStringLiteral("Load"));
+  mnuload->setObjectName(QStringLiteral("mnuload"));
+  auto* mnusave = mnufile->addAction(QStringLiteral("Save"));
+  mnusave->setObjectName(QStringLiteral("mnusave"));
+  auto* mnuexit = mnufile->addAction(QStringLiteral("Exit"));
+  mnuexit->setObjectName(QStringLiteral("mnuexit"));
+  auto* mnusetup = menuBar()->addMenu(QStringLiteral("Set Up(&S)"));
+  mnusetup->setObjectName(QStringLiteral("mnusetup"));
+  auto* mnubufaddr = mnusetup->addAction(QStringLiteral("Buffer Address"));
+  mnubufaddr->setObjectName(QStringLiteral("mnubufaddr"));
+  auto* mnuhelp = menuBar()->addMenu(QStringLiteral("Help(&H)"));
+  mnuhelp->setObjectName(QStringLiteral("mnuhelp"));
+  auto* mnuversion = mnuhelp->addAction(QStringLiteral("Version"));
+  mnuversion->setObjectName(QStringLiteral("mnuversion"));
+
+  auto load = [this] { Run([this] { ShowFrmLoad(ctx_, this); }); };
+  auto save = [this] { Run([this] { ShowFrmSave(ctx_, this); }); };
+  connect(cmdload_, &QPushButton::clicked, this, load);
+  connect(mnuload, &QAction::triggered, this, load);
+  connect(cmdsave_, &QPushButton::clicked, this, save);
+  connect(mnusave, &QAction::triggered, this, save);
+  connect(cmdblstore_, &QPushButton::clicked, this, [this] { Run([this] { ShowFrmStore(ctx_, this); }); });
+  connect(cmdbufsum_, &QPushButton::clicked, this, [this] { Run([this] { ShowFrmSum(ctx_, this); }); });
+  connect(cmdbufclear_, &QPushButton::clicked, this, [this] {
+    Run([this] { cmdbufclear_Click(ctx_.m, ctx_.platform); });
+  });
+  connect(cmdedit, &QPushButton::clicked, this, [this] { Run([this] { cmdedit_Click(ctx_.m, ctx_.platform); }); });
+  connect(cmdeditplus_, &QPushButton::clicked, this,
+          [this] { Run([this] { cmdeditplus_Click(ctx_.m, ctx_.platform); }); });
+  connect(cmdeditminus_, &QPushButton::clicked, this,
+          [this] { Run([this] { cmdeditminus_Click(ctx_.m, ctx_.platform); }); });
+  connect(mnubufaddr, &QAction::triggered, this, [this] { Run([this] { ShowFrmBufAddr(ctx_, this); }); });
+  connect(mnuversion, &QAction::triggered, this, [this] { ShowFrmVersion(this); });
+  connect(mnuexit, &QAction::triggered, this, &frmsumtool::Exit);
+
+  Form_Load(ctx_.m, ctx_.store);
+  ShowFields();
+  setFixedSize(sizeHint());
+}
+
+template <typename F>
+void frmsumtool::Run(F&& handler) {
+  ctx_.m.frmsumtool.txteditaddr = S(txteditaddr_->text());
+  handler();
+  ShowFields();
+}
+
+void frmsumtool::ShowFields() {
+  const SumToolFields& w = ctx_.m.frmsumtool;
+  txtbuffaddr_->setText(Q(w.txtbuffaddr));
+  txtbufladdr_->setText(Q(w.txtbufladdr));
+  if (txteditaddr_->text() != Q(w.txteditaddr)) txteditaddr_->setText(Q(w.txteditaddr));
+  Text1_->setText(Q(w.Text1));
+  List1_->clear();
+  for (const auto& row : w.List1) List1_->addItem(Q(row));
+  cmdeditplus_->setEnabled(w.cmdeditplusEnabled);
+  cmdeditminus_->setEnabled(w.cmdeditminusEnabled);
+  cmdload_->setEnabled(w.cmdloadEnabled);
+  cmdsave_->setEnabled(w.cmdsaveEnabled);
+  cmdbufclear_->setEnabled(w.cmdbufclearEnabled);
+  cmdblstore_->setEnabled(w.cmdblstoreEnabled);
+  cmdbufsum_->setEnabled(w.cmdbufsumEnabled);
+}
+
+void frmsumtool::Exit() {
+  StoreAreaOnExit(ctx_.m, ctx_.store);
+  exited_ = true;
+  hide();
+  QCoreApplication::exit(0);
+}
+
+void frmsumtool::closeEvent(QCloseEvent* event) {
+  if (!exited_) StoreAreaOnExit(ctx_.m, ctx_.store);
+  exited_ = true;
+  event->accept();
+}
+
+}  // namespace kestrum::forms

@@ -1,0 +1,49 @@
+#pragma once
+#include <QMainWindow>
+
+#include "forms/FormSupport.h"
+
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+
+namespace kestrum::forms {
+
+// The main window: file, buffer and dump operations, and the buffer area.
+// Its fields live in Module1::frmsumtool; the widgets show them.
+class frmsumtool : public QMainWindow {
+  Q_OBJECT
+ public:
+  // Runs the start-up: the area from the store, the image sized and cleared.
+  explicit frmsumtool(AppContext& ctx, QWidget* parent = nullptr);
+
+  // Copies the fields of Module1 to the widgets.
+  void ShowFields();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  // Runs a handler of the core between reading the typed field and showing
+  // the fields again.
+  template <typename F>
+  void Run(F&& handler);
+  void Exit();
+
+  AppContext& ctx_;
+  bool exited_ = false;
+  QLineEdit* txtbuffaddr_ = nullptr;
+  QLineEdit* txtbufladdr_ = nullptr;
+  QLineEdit* txteditaddr_ = nullptr;
+  QLineEdit* Text1_ = nullptr;
+  QListWidget* List1_ = nullptr;
+  QPushButton* cmdload_ = nullptr;
+  QPushButton* cmdsave_ = nullptr;
+  QPushButton* cmdbufclear_ = nullptr;
+  QPushButton* cmdblstore_ = nullptr;
+  QPushButton* cmdbufsum_ = nullptr;
+  QPushButton* cmdeditplus_ = nullptr;
+  QPushButton* cmdeditminus_ = nullptr;
+};
+
+}  // namespace kestrum::forms

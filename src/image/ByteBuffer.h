@@ -1,0 +1,33 @@
+#pragma once
+// The memory behind the image: one zero-filled allocation that reports a
+// failure instead of throwing, and is moved, never copied.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace kestrum {
+
+class ByteBuffer {
+ public:
+  ByteBuffer() = default;
+
+  // Zero-filled bytes, or an empty buffer with ok() false when memory is short.
+  static ByteBuffer Allocate(std::size_t count);
+
+  std::uint8_t& operator[](std::size_t i) { return data_[i]; }
+  const std::uint8_t& operator[](std::size_t i) const { return data_[i]; }
+  std::uint8_t* data() { return data_.get(); }
+  const std::uint8_t* data() const { return data_.get(); }
+  std::size_t size() const { return size_; }
+  bool ok() const { return data_ != nullptr; }
+
+ private:
+  struct Free {
+    void operator()(std::uint8_t* p) const { std::free(p); }
+  };
+  std::unique_ptr<std::uint8_t[], Free> data_;
+  std::size_t size_ = 0;
+};
+
+}  // namespace kestrum

@@ -1,0 +1,18 @@
+#include "GuiSupport.h"
+
+#include <QSettings>
+
+namespace kestrum::test {
+
+TempSettings::TempSettings() {
+  QSettings::setDefaultFormat(QSettings::IniFormat);
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, dir_.path());
+}
+
+void TypeInto(QLineEdit* edit, const QString& text) {
+  edit->setFocus();
+  for (QChar c : text) QTest::keyClick(edit, c.toLatin1());
+}
+
+}  // namespace kestrum::test

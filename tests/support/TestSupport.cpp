@@ -1,0 +1,123 @@
+#include "TestSupport.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <stdexcept>
+
+namespace kestrum::test {
+
+int ScriptedPlatform::MsgBox(const std::string& text, int style, const std::string& title) {
+  messages.push_back({text, style, title});
+  if (style == vbOKOnly) return vbOK;
+  if (answers.empty()) return vbYes;
+  int answer = answers.front();
+  answers.pop_front();
+  return answer;
+}
+
+void ScriptedPlatform::SetMousePointer(int p) {
+  pointer = p;
+  pointers.push_back(p);
+}
+
+std::vector<std::string> ScriptedPlatform::Texts() const {
+  std::vector<std::string> texts;
+  for (const auto& m : messages) texts.push_back(m.text);
+  return texts;
+}
+
+TempDir::TempDir() {
+  std::random_device rd;
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    auto candidate = std::filesystem::temp_directory_path() /
+                     ("kestrum-test-" + std::to_string(getpid()) + "-" + std::to_string(rd()));
+    if (std::filesystem::create_directory(candidate)) {
+      path_ = candidate;
+      return;
+    }
+  }
+  throw std::runtime_error("no temporary folder");
+}
+
+TempDir::~TempDir() {
+  std::error_code ec;
+  // Give back write permission that a test may have taken away.
+  for (auto it = std::filesystem::recursive_directory_iterator(path_, ec);
+       it != std::filesystem::recursive_directory_iterator(); it.increment(ec)) {
+    std::filesystem::permissions(it->path(), std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add, ec);
+  }
+  std::filesystem::remove_all(path_, ec);
+}
+
+void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (!out) throw std::runtime_error("cannot write " + path.string());
+}
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+Module1 MakeImage(Address first, Address last) {
+  Module1 m;
+  if (SizeBuffer(m, first, last) != SizeResult::Ok) throw std::runtime_error("no image");
+  std::memset(m.Buffer.data(), 0xFF, static_cast<std::size_t>(m.BufSize));
+  m.frmsumtool.txtbuffaddr = AddressToText(first);
+  m.frmsumtool.txtbufladdr = AddressToText(last);
+  m.frmsumtool.txteditaddr = m.frmsumtool.txtbuffaddr;
+  return m;
+}
+
+namespace {
+std::string Slurp(int fd) {
+  std::string text;
+  char chunk[65536];
+  ssize_t n;
+  while ((n = read(fd, chunk, sizeof chunk)) > 0) text.append(chunk, static_cast<std::size_t>(n));
+  close(fd);
+  return text;
+}
+}  // namespace
+
+RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir) {
+  // Output goes to files, not pipes, so a large output can't block the child.
+  TempDir capture;
+  const auto outPath = capture / "out", errPath = capture / "err";
+  pid_t pid = fork();
+  if (pid < 0) throw std::runtime_error("fork failed");
+  if (pid == 0) {
+    int out = open(outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    int err = open(errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    int in = open("/dev/null", O_RDONLY);
+    dup2(in, 0);
+    dup2(out, 1);
+    dup2(err, 2);
+    if (!workdir.empty() && chdir(workdir.c_str()) != 0) _exit(126);
+    std::vector<char*> args;
+    for (const auto& a : argv) args.push_back(const_cast<char*>(a.c_str()));
+    args.push_back(nullptr);
+    execv(args[0], args.data());
+    _exit(127);
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  RunResult result;
+  result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  result.out = Slurp(open(outPath.c_str(), O_RDONLY));
+  result.err = Slurp(open(errPath.c_str(), O_RDONLY));
+  return result;
+}
+
+}  // namespace kestrum::test
