@@ -14,6 +14,11 @@ int main(int argc, char** argv) {
   kestrum::forms::QtSettingsStore store;
   kestrum::forms::AppContext ctx{m, platform, store};
   kestrum::forms::frmsumtool window(ctx);
+  if (!window.started()) {
+    // Without an image nothing in the window can work.
+    platform.MsgBox("Out of Memory", kestrum::vbOKOnly, {});
+    return 1;
+  }
   window.show();
   return app.exec();
 }

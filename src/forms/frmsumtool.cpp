@@ -114,7 +114,7 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   connect(mnuversion, &QAction::triggered, this, [this] { ShowFrmVersion(this); });
   connect(mnuexit, &QAction::triggered, this, &frmsumtool::Exit);
 
-  Form_Load(ctx_.m, ctx_.store);
+  started_ = Form_Load(ctx_.m, ctx_.store);
   ShowFields();
   setFixedSize(sizeHint());
 }

@@ -20,6 +20,9 @@ class frmsumtool : public QMainWindow {
   // Copies the fields of Module1 to the widgets.
   void ShowFields();
 
+  // False when not even the default area could be had at start-up.
+  bool started() const { return started_; }
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 
@@ -32,6 +35,7 @@ class frmsumtool : public QMainWindow {
 
   AppContext& ctx_;
   bool exited_ = false;
+  bool started_ = false;
   QLineEdit* txtbuffaddr_ = nullptr;
   QLineEdit* txtbufladdr_ = nullptr;
   QLineEdit* txteditaddr_ = nullptr;
