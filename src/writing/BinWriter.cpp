@@ -1,0 +1,28 @@
+// BIN: the bytes of the range, no header, no addresses.
+#include <algorithm>
+#include <cstdint>
+
+#include "writing/OutputFile.h"
+#include "writing/WriterSupport.h"
+#include "writing/Writers.h"
+
+namespace kestrum {
+
+SaveOutcome SaveBinFile(Module1& m, Platform& platform, const std::string& FileName,
+                        const WriteOptions& options) {
+  OutputFile file = OutputFile::Create(FileName);
+  if (!file.ok()) return ReportFileFailure(m, platform, file);
+  const std::uint8_t* bytes = &m.At(m.SaveFirst);
+  const std::uint64_t size = static_cast<std::uint64_t>(m.SaveLast - m.SaveFirst + 1);
+  // Pieces the system takes in one call on every platform.
+  constexpr std::uint64_t kPiece = std::uint64_t{1} << 30;
+  for (std::uint64_t done = 0; done < size;) {
+    const std::uint64_t piece = std::min(kPiece, size - done);
+    if (!file.Write(bytes + done, static_cast<std::size_t>(piece))) return ReportFileFailure(m, platform, file);
+    done += piece;
+  }
+  if (!options.replaceWhole && !file.AppendOldTail(size)) return ReportFileFailure(m, platform, file);
+  return Finish(m, platform, file);
+}
+
+}  // namespace kestrum

@@ -1,0 +1,83 @@
+#pragma once
+// The one place where the writers touch the disk. A file being written is
+// made beside its target and takes the target's name only when it is whole,
+// so a failure at any point leaves whatever stood under that name untouched.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace kestrum {
+
+class OutputFile {
+ public:
+  OutputFile() = default;
+  OutputFile(OutputFile&& other) noexcept;
+  OutputFile& operator=(OutputFile&& other) noexcept;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  // A file that was never committed is closed and removed.
+  ~OutputFile();
+
+  // Starts a new file for path. A regular file (or nothing) at path is
+  // replaced on Commit; anything else there (a device, a pipe) is written
+  // in place. ok() is false, with failure() telling why, when it can't.
+  static OutputFile Create(const std::string& path);
+
+  // Each gives false, with failure() set, when the file can't take it; a
+  // failed file takes nothing more.
+  bool Write(const void* data, std::size_t size);
+  // Appends what the file at path held from offset on, if it held more.
+  bool AppendOldTail(std::uint64_t offset);
+  // Closes the file and gives it the target's name.
+  bool Commit();
+
+  // Gives up the file: it is removed unless written in place, and failure()
+  // names the file, what was being done and the reason. Always false.
+  bool Fail(const char* doing, const std::string& reason);
+
+  bool ok() const { return failure_.empty(); }
+  const std::string& failure() const { return failure_; }
+  const std::string& path() const { return path_; }
+
+ private:
+  struct Close {
+    void operator()(std::FILE* f) const { std::fclose(f); }
+  };
+  void Discard();
+
+  std::string path_;     // the name the user gave
+  std::string target_;   // the file that takes the content: path_ with links resolved
+  std::string working_;  // the file being written; equals target_ when written in place
+  std::unique_ptr<std::FILE, Close> file_;
+  std::string failure_;
+  bool committed_ = false;
+};
+
+// Text built in a large block of memory and handed to the file in big
+// pieces. Writers ask for room for one record at a time.
+class TextOutput {
+ public:
+  static constexpr std::size_t kBlock = std::size_t{1} << 20;
+  explicit TextOutput(OutputFile& file);
+
+  // Room for at least size more characters (size <= kBlock / 2); nullptr
+  // once the file has failed.
+  char* Room(std::size_t size) {
+    if (static_cast<std::size_t>(end_ - next_) < size && !Flush()) return nullptr;
+    return next_;
+  }
+  // The characters up to end have been written into the room.
+  void Used(char* end) { next_ = end; }
+  bool Put(const char* text, std::size_t size);
+  bool Flush();
+
+ private:
+  OutputFile& file_;
+  std::unique_ptr<char[]> block_;
+  char* next_ = nullptr;
+  char* end_ = nullptr;
+};
+
+}  // namespace kestrum

@@ -1,0 +1,70 @@
+// Motorola S: S1, S2 or S3 data records by the address of each record's
+// first byte, then the fixed closing line.
+#include <cstdint>
+
+#include "writing/OutputFile.h"
+#include "writing/RecordText.h"
+#include "writing/WriterSupport.h"
+#include "writing/Writers.h"
+
+namespace kestrum {
+
+namespace {
+
+constexpr char kClosing[] = "S9030000FC\r\n";
+constexpr int kMaxCount = 255;
+
+struct RecordType {
+  char digit;        // '1', '2' or '3'
+  int addressBytes;  // 2, 3 or 4
+};
+
+RecordType TypeFor(Address address) {
+  if (address <= 0xFFFF) return {'1', 2};
+  if (address <= 0xFFFFFF) return {'2', 3};
+  return {'3', 4};
+}
+
+}  // namespace
+
+SaveOutcome SaveSFile(Module1& m, Platform& platform, const std::string& FileName,
+                      const WriteOptions& options) {
+  m.FileError = 0;
+  if (!RecordLengthFits(m, platform)) return SaveOutcome::RecordLengthError;
+  OutputFile file = OutputFile::Create(FileName);
+  if (!file.ok()) return ReportFileFailure(m, platform, file);
+  TextOutput text(file);
+
+  const Address length = m.RecordLength;
+  for (Address address = m.SaveFirst; address <= m.SaveLast; address += length) {
+    const RecordType type = TypeFor(address);
+    const unsigned n = static_cast<unsigned>(address + length - 1 <= m.SaveLast ? length
+                                                                                : m.SaveLast - address + 1);
+    const unsigned count = n + static_cast<unsigned>(type.addressBytes) + 1;
+    if (count > kMaxCount) {
+      m.FileError = -1;
+      platform.MsgBox(kRecordLengthError, vbOKOnly);
+      if (options.keepPartial && (!text.Flush() || !file.Commit()))
+        return ReportFileFailure(m, platform, file);
+      return SaveOutcome::RecordLengthError;
+    }
+    char* out = text.Room(records::kMaxLine);
+    if (!out) return ReportFileFailure(m, platform, file);
+    *out++ = 'S';
+    *out++ = type.digit;
+    out = records::PutByte(out, count);
+    unsigned sum = count;
+    for (int shift = 8 * (type.addressBytes - 1); shift >= 0; shift -= 8) {
+      const unsigned part = static_cast<unsigned>(address >> shift) & 0xFF;
+      out = records::PutByte(out, part);
+      sum += part;
+    }
+    sum += records::PutBytes(out, &m.At(address), n);
+    out = records::PutByte(out, 255 - (sum & 0xFF));
+    text.Used(records::PutLineEnd(out));
+  }
+  if (!text.Put(kClosing, sizeof kClosing - 1) || !text.Flush()) return ReportFileFailure(m, platform, file);
+  return Finish(m, platform, file);
+}
+
+}  // namespace kestrum

@@ -1,0 +1,32 @@
+#pragma once
+// How every writer ends: a file failure is shown with the file's name and
+// the reason, and leaves FileError at -1.
+#include "image/Module1.h"
+#include "image/Platform.h"
+#include "writing/OutputFile.h"
+#include "writing/Writers.h"
+
+namespace kestrum {
+
+inline SaveOutcome ReportFileFailure(Module1& m, Platform& platform, const OutputFile& file) {
+  m.FileError = -1;
+  platform.MsgBox(file.failure(), vbOKOnly);
+  return SaveOutcome::FileFailure;
+}
+
+// Gives the file its name; reports it if it could not be written.
+inline SaveOutcome Finish(Module1& m, Platform& platform, OutputFile& file) {
+  if (!file.Commit()) return ReportFileFailure(m, platform, file);
+  return SaveOutcome::Done;
+}
+
+// The record writers' guard against a length the save flow should have
+// refused: a length of 0 would never end.
+inline bool RecordLengthFits(Module1& m, Platform& platform) {
+  if (m.RecordLength >= 1 && m.RecordLength <= 255) return true;
+  m.FileError = -1;
+  platform.MsgBox("RecordLength Error!", vbOKOnly);
+  return false;
+}
+
+}  // namespace kestrum
