@@ -22,7 +22,8 @@ Module1& Image() {
     Module1 image;
     if (kestrum::SizeBuffer(image, 0, kImageBytes - 1) != kestrum::SizeResult::Ok) std::abort();
     std::mt19937 random(1);
-    for (Address i = 0; i < image.BufSize; i += 4096) image.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(random());
+    for (Address i = 0; i < image.BufSize; i += 4096)
+      image.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(random());
     return image;
   }();
   return m;

@@ -44,8 +44,8 @@ bool Cmdok_Click(BufAddrFields& f, Module1& m, Platform& platform, SettingsStore
   w.txteditaddr = f.Text1;
   // Every range a dialog offers starts again from the whole new area.
   const std::pair<const char*, const std::string&> ranges[] = {
-      {"SUMfaddr", f.Text1},  {"SUMladdr", f.Text2},  {"storefaddr", f.Text1}, {"storeladdr", f.Text2},
-      {"SaveFirst", f.Text1}, {"SaveLast", f.Text2}, {"LoadFirst", f.Text1},   {"LoadLast", f.Text2}};
+      {"SUMfaddr", f.Text1},  {"SUMladdr", f.Text2}, {"storefaddr", f.Text1}, {"storeladdr", f.Text2},
+      {"SaveFirst", f.Text1}, {"SaveLast", f.Text2}, {"LoadFirst", f.Text1},  {"LoadLast", f.Text2}};
   for (const auto& [key, text] : ranges) store.Write(kAddress, key, text);
   store.Write(kAddress, "storedata", "10");
   platform.SetMousePointer(vbDefault);

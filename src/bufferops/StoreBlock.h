@@ -17,9 +17,9 @@ void StoreBlock(Module1& m, Address First, Address Last, int Data);
 
 // The fields of the Block Store dialog.
 struct StoreFields {
-  std::string Text1{};  // first address
-  std::string Text2{};  // last address
-  std::string Text3{};  // the byte value
+  std::string Text1{};          // first address
+  std::string Text2{};          // last address
+  std::string Text3{};          // the byte value
   bool Command1Enabled = true;  // Cancel
   bool Command2Enabled = true;  // Store
 

@@ -10,11 +10,11 @@ namespace kestrum {
 
 // The fields of the SUM dialog.
 struct SumFields {
-  std::string Text6{};  // first address
-  std::string Text7{};  // last address
-  std::string Text1{};  // 8-8 sum, 2 digits
-  std::string Text2{};  // 8-16 sum, 4 digits
-  std::string Text3{};  // 16-16 sum, 4 digits
+  std::string Text6{};          // first address
+  std::string Text7{};          // last address
+  std::string Text1{};          // 8-8 sum, 2 digits
+  std::string Text2{};          // 8-16 sum, 4 digits
+  std::string Text3{};          // 16-16 sum, 4 digits
   bool Command1Enabled = true;  // Calculate
   bool Command2Enabled = true;  // Close
 

@@ -30,8 +30,8 @@ TEST(BufferArea, PaddingByLeadingZeros) {
     const char* shown;
   };
   const Case cases[] = {
-      {"F", "0000000F"}, {"FF", "000000FF"}, {"1234567", "01234567"}, {"12345678", "12345678"},
-      {"123456789", "123456789"}, {"1.", "0000001."},
+      {"F", "0000000F"},        {"FF", "000000FF"},         {"1234567", "01234567"},
+      {"12345678", "12345678"}, {"123456789", "123456789"}, {"1.", "0000001."},
   };
   for (const auto& c : cases) EXPECT_EQ(PadWithLeadingZeros(c.typed), c.shown);
 }
@@ -77,8 +77,8 @@ TEST(BufferArea, NewAreaIsClearedShownAndStored) {
     for (const auto& [key, value] : store.values) written.emplace_back(std::get<2>(key), value);
     std::sort(written.begin(), written.end());
     const std::vector<std::pair<std::string, std::string>> expected = {
-        {"LoadFirst", c.shown1}, {"LoadLast", c.shown2}, {"SUMfaddr", c.shown1},
-        {"SUMladdr", c.shown2},  {"SaveFirst", c.shown1}, {"SaveLast", c.shown2},
+        {"LoadFirst", c.shown1}, {"LoadLast", c.shown2},   {"SUMfaddr", c.shown1},
+        {"SUMladdr", c.shown2},  {"SaveFirst", c.shown1},  {"SaveLast", c.shown2},
         {"storedata", "10"},     {"storefaddr", c.shown1}, {"storeladdr", c.shown2}};
     EXPECT_EQ(written, expected);
   }
@@ -98,9 +98,19 @@ TEST(BufferArea, RefusalsLeaveEverythingAsItWas) {
       {"both empty", "", "", {}, "FirstAddress Error!", "", ""},
       {"last empty", "100", "", {}, "LastAddress Error!", "100", ""},
       {"first above last", "00000100", "FF", {}, "Address Error", "00000100", "000000FF"},
-      {"more than 2147483647 bytes", "0", "FFFFFFFF", {vbHourglass, vbDefault}, "Out of Memory", "00000000",
+      {"more than 2147483647 bytes",
+       "0",
+       "FFFFFFFF",
+       {vbHourglass, vbDefault},
+       "Out of Memory",
+       "00000000",
        "FFFFFFFF"},
-      {"2147483648 bytes", "80000000", "FFFFFFFF", {vbHourglass, vbDefault}, "Out of Memory", "80000000",
+      {"2147483648 bytes",
+       "80000000",
+       "FFFFFFFF",
+       {vbHourglass, vbDefault},
+       "Out of Memory",
+       "80000000",
        "FFFFFFFF"},
   };
   for (const auto& c : cases) {

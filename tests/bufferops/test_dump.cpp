@@ -13,9 +13,12 @@ enum class Button { Dump, Plus, Minus };
 
 void Press(Button b, Module1& m, Platform& platform) {
   switch (b) {
-    case Button::Dump: return cmdedit_Click(m, platform);
-    case Button::Plus: return cmdeditplus_Click(m, platform);
-    case Button::Minus: return cmdeditminus_Click(m, platform);
+    case Button::Dump:
+      return cmdedit_Click(m, platform);
+    case Button::Plus:
+      return cmdeditplus_Click(m, platform);
+    case Button::Minus:
+      return cmdeditminus_Click(m, platform);
   }
 }
 
@@ -38,8 +41,8 @@ struct DumpCase {
   Address bufFirst, bufLast;
   const char* typed;
   Button button;
-  const char* shown;   // txteditaddr afterwards
-  Address firstRow;    // address of the first row
+  const char* shown;  // txteditaddr afterwards
+  Address firstRow;   // address of the first row
   int rows;
   int lastRowBytes;
 };
@@ -65,8 +68,8 @@ TEST(Dump, PagesAndMoves) {
        16},
       {"plus on a one-byte area", 0x1000, 0x1000, "1000", Button::Plus, "00001000", 0x1000, 1, 1},
       {"minus on a one-byte area", 0x1000, 0x1000, "1000", Button::Minus, "00001000", 0x1000, 1, 1},
-      {"plus near the top of the address space", 0xFFFFFF00, 0xFFFFFFFF, "FFFFFF80", Button::Plus,
-       "FFFFFF90", 0xFFFFFF90, 7, 16},
+      {"plus near the top of the address space", 0xFFFFFF00, 0xFFFFFFFF, "FFFFFF80", Button::Plus, "FFFFFF90",
+       0xFFFFFF90, 7, 16},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -79,7 +82,8 @@ TEST(Dump, PagesAndMoves) {
     EXPECT_EQ(m.frmsumtool.txteditaddr, c.shown);
     EXPECT_EQ(m.DumpAddr, c.firstRow);
     std::vector<std::string> expected;
-    for (int r = 0; r < c.rows; ++r) expected.push_back(RowOf(c.firstRow + 16 * r, r + 1 < c.rows ? 16 : c.lastRowBytes));
+    for (int r = 0; r < c.rows; ++r)
+      expected.push_back(RowOf(c.firstRow + 16 * r, r + 1 < c.rows ? 16 : c.lastRowBytes));
     EXPECT_EQ(m.frmsumtool.List1, expected);
   }
 }

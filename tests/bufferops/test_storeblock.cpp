@@ -52,9 +52,9 @@ TEST(StoreDataValue, ReadsLeadingDigitsOfAByte) {
     int value;
   };
   const Case cases[] = {
-      {"00", 0x00}, {"A", 0x0A}, {"0A", 0x0A}, {"FF", 0xFF}, {"ff", 0xFF}, {"A.", 0x0A}, {"1%", 0x01},
-      {"7'5", 0x07}, {"%", -1},   {".5", -1},   {"'", -1},    {"", -1},     {"123", -1}, {"100.", -1},
-      {"0FF", 0xFF},
+      {"00", 0x00}, {"A", 0x0A},  {"0A", 0x0A},  {"FF", 0xFF}, {"ff", 0xFF},
+      {"A.", 0x0A}, {"1%", 0x01}, {"7'5", 0x07}, {"%", -1},    {".5", -1},
+      {"'", -1},    {"", -1},     {"123", -1},   {"100.", -1}, {"0FF", 0xFF},
   };
   for (const auto& c : cases) EXPECT_EQ(StoreDataValue(c.text), c.value) << '"' << c.text << '"';
 }
@@ -85,13 +85,15 @@ TEST(StoreButton, RefusesWithTheFirstBadFieldAndChangesNothing) {
       {"all empty", {"", "", ""}, "First Address Error!", "", ""},
       {"last empty", {"1000", "", ""}, "Last Address Error!", "1000", ""},
       {"data empty", {"1000", "1FFF", ""}, "Data Error!", "1000", "1FFF"},
-      {"first below the area, padded all the same", {"FFF", "1FFF", "00"}, "Address Error", "00000FFF",
+      {"first below the area, padded all the same",
+       {"FFF", "1FFF", "00"},
+       "Address Error",
+       "00000FFF",
        "00001FFF"},
       {"last above the area", {"1000", "2000", "00"}, "Address Error", "00001000", "00002000"},
       {"data with no digit", {"1000", "1FFF", "%"}, "Data Error!", "00001000", "00001FFF"},
       {"data beyond a byte", {"1000", "1FFF", "1FF"}, "Data Error!", "00001000", "00001FFF"},
-      {"bad data is named before a bad range", {"0", "1FFF", "."}, "Data Error!", "00000000",
-       "00001FFF"},
+      {"bad data is named before a bad range", {"0", "1FFF", "."}, "Data Error!", "00000000", "00001FFF"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -110,8 +112,7 @@ TEST(StoreButton, RefusesWithTheFirstBadFieldAndChangesNothing) {
     EXPECT_EQ(m.frmsumtool, window);
     EXPECT_TRUE(store.values.empty());
     EXPECT_TRUE(platform.pointers.empty());
-    for (Address a = m.BufFirst; a <= m.BufLast; ++a)
-      ASSERT_EQ(m.At(a), static_cast<std::uint8_t>(a * 7));
+    for (Address a = m.BufFirst; a <= m.BufLast; ++a) ASSERT_EQ(m.At(a), static_cast<std::uint8_t>(a * 7));
   }
 }
 

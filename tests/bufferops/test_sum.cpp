@@ -46,12 +46,9 @@ struct SumCase {
 
 TEST(Calculate, WorkedNumbers) {
   const SumCase cases[] = {
-      {"00001000", "00001005", "6A", "026A", "0368"},
-      {"00001001", "00001006", "36", "0336", "CF68"},
-      {"00001001", "00001001", "34", "0034", "0034"},
-      {"00001002", "00001002", "56", "0056", "5600"},
-      {"00001003", "00001004", "12", "0112", "9A78"},
-      {"1000", "1007", "38", "0438", "E258"},
+      {"00001000", "00001005", "6A", "026A", "0368"}, {"00001001", "00001006", "36", "0336", "CF68"},
+      {"00001001", "00001001", "34", "0034", "0034"}, {"00001002", "00001002", "56", "0056", "5600"},
+      {"00001003", "00001004", "12", "0112", "9A78"}, {"1000", "1007", "38", "0438", "E258"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.first) + ".." + c.last);
@@ -111,7 +108,8 @@ TEST(SumRange, NeverReadsOutsideTheRange) {
 TEST(SumRange, AgreesWithAWalkOverRandomRanges) {
   Module1 m = MakeImage(0x7FFFF000, 0x80007FFF);
   std::mt19937 random(12345);
-  for (Address i = 0; i < m.BufSize; ++i) m.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(random());
+  for (Address i = 0; i < m.BufSize; ++i)
+    m.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(random());
   std::uniform_int_distribution<Address> offset(0, m.BufSize - 1);
   for (int round = 0; round < 300; ++round) {
     Address a = m.BufFirst + offset(random), b = m.BufFirst + offset(random);
