@@ -1,0 +1,66 @@
+#include "reading/FileFormat.h"
+
+#include <algorithm>
+
+#include "image/Address.h"
+
+namespace kestrum {
+
+namespace {
+
+// A text format is recognised by its first byte and a line end close enough
+// behind it to be a record's: the longest sound S record has 514
+// characters, the longest HEX record 521 plus its CR LF.
+struct ContentRule {
+  char firstByte;
+  std::size_t span;
+  LoadFormat format;
+};
+constexpr ContentRule kContentRules[] = {
+    {'S', 514, LoadFormat::S},
+    {':', 523, LoadFormat::HEX},
+};
+
+}  // namespace
+
+const char* FormatName(LoadFormat format) {
+  switch (format) {
+    case LoadFormat::HEX:
+      return "HEX";
+    case LoadFormat::S:
+      return "S";
+    case LoadFormat::BIN:
+      break;
+  }
+  return "BIN";
+}
+
+std::string ExtensionOf(std::string_view bareName) {
+  const auto dot = bareName.find('.');
+  if (dot == std::string_view::npos) return {};
+  return std::string(bareName.substr(dot + 1));
+}
+
+bool FormatByExtension(std::string_view extension, LoadFormat& format) {
+  for (LoadFormat f : {LoadFormat::HEX, LoadFormat::BIN, LoadFormat::S}) {
+    if (EqualsIgnoreCase(extension, FormatName(f))) {
+      format = f;
+      return true;
+    }
+  }
+  return false;
+}
+
+LoadFormat DecideFormat(std::string_view extension, std::string_view head) {
+  LoadFormat format = LoadFormat::BIN;
+  if (FormatByExtension(extension, format)) return format;
+  if (head.empty()) return LoadFormat::BIN;
+  for (const ContentRule& rule : kContentRules) {
+    if (head.front() != rule.firstByte) continue;
+    const std::string_view probe = head.substr(0, std::min(head.size(), rule.span));
+    return probe.find_first_of("\r\n") != std::string_view::npos ? rule.format : LoadFormat::BIN;
+  }
+  return LoadFormat::BIN;
+}
+
+}  // namespace kestrum

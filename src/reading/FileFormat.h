@@ -1,0 +1,31 @@
+#pragma once
+// Which reader a file goes to: by its extension, else by its first bytes,
+// with binary as the last resort.
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kestrum {
+
+enum class LoadFormat { BIN, HEX, S };
+
+// "BIN", "HEX" or "S".
+const char* FormatName(LoadFormat format);
+
+// Everything behind the first dot of a bare file name ("PROG.HEX.BAK" gives
+// "HEX.BAK"); empty without a dot.
+std::string ExtensionOf(std::string_view bareName);
+
+// The most bytes of a file's head that the decision looks at.
+constexpr std::size_t kFormatProbeBytes = 523;
+
+// The decision: an extension of HEX, BIN or S (any case) names the format;
+// otherwise a first byte "S" with a CR or LF in the first 514 bytes gives S,
+// a colon with one in the first 523 gives HEX, and all else is BIN. head is
+// the start of the file, at least kFormatProbeBytes of it when it has that many.
+LoadFormat DecideFormat(std::string_view extension, std::string_view head);
+
+// Whether the extension alone decides, so that the head need not be read.
+bool FormatByExtension(std::string_view extension, LoadFormat& format);
+
+}  // namespace kestrum

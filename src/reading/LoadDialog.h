@@ -1,0 +1,55 @@
+#pragma once
+// The File Load dialog without its window: opening it from the store and
+// its Load button.
+#include <string>
+
+#include "image/Module1.h"
+#include "image/Platform.h"
+#include "image/Settings.h"
+#include "reading/LoadObjectFile.h"
+
+namespace kestrum {
+
+// The fields of the File Load dialog.
+struct LoadFields {
+  std::string Text1;          // the picked file's name, as the file list gave it
+  std::string Text4;          // first address
+  std::string Text3;          // last address
+  bool Check1 = false;        // offset wanted
+  std::string Text2 = "0";    // the signed offset
+  bool Text2Visible = false;  // follows Check1
+  std::string Drive1;         // the drive list's drive
+  std::string Dir1;           // the folder list's path
+  std::string File1;          // the file list's pick, empty when none
+  bool Command1Enabled = true;  // Load
+  bool Command2Enabled = true;  // Cancel
+
+  bool operator==(const LoadFields&) const = default;
+};
+
+// "File Load" of the main window: the range from the store, "00000000" and
+// "0007FFFF" standing in for what is missing; the stored drive, and behind
+// it the stored folder, where the store has them (the window applies them
+// and lets a drive or folder that is gone leave its list as it was); the
+// offset hidden and unticked.
+void cmdload_Click(LoadFields& f, SettingsStore& store);
+
+// Judges the offset text: a sign only in front, and without one fewer than
+// 9 characters. Gives the 8 digits (zeros in front) and the sign; false
+// for a text the dialog refuses with "OffsetAddress Error!".
+bool JudgeOffsetText(const std::string& text, std::string& digits, bool& negative);
+
+// The folder, the platform's separator unless the folder ends with one (a
+// root does), and the name.
+std::string JoinLoadPath(const std::string& folder, const std::string& name);
+
+// The Load button. Stops at the first bad field with its message; else
+// loads with the hourglass showing, and when the load went through puts the
+// file's name in the main window, says "Load Complete!", keeps the range,
+// drive and folder in the store, and closes. The dump is emptied whatever
+// the outcome of a load. True when the dialog closes. report, when given,
+// tells how it ended.
+bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore& store,
+                    LoadReport* report = nullptr);
+
+}  // namespace kestrum

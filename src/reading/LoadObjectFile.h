@@ -1,0 +1,45 @@
+#pragma once
+// Loading one object file into the image: the format by extension or by
+// content, then its reader. A load overlays the image; nothing is cleared
+// first and nothing is undone when a record turns out bad.
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "image/Module1.h"
+#include "image/Platform.h"
+#include "reading/FileFormat.h"
+
+namespace kestrum {
+
+// How a load ended, for callers that tell more than the window does.
+struct LoadReport {
+  enum class Outcome {
+    Loaded,       // read to the end of the file (an empty file too)
+    Refused,      // a field of the dialog was refused; nothing was read
+    RecordError,  // a bad record stopped the load: "Format Error" or "SUM Error"
+    FileFailure,  // the file could not be opened or read
+  };
+  Outcome outcome = Outcome::Loaded;
+  LoadFormat format = LoadFormat::BIN;
+  std::uint64_t line = 0;  // the failing record's line, counted from 1
+  std::string message;     // the words the message box showed
+
+  bool Loaded() const { return outcome == Outcome::Loaded; }
+};
+
+// Reads the file m.LoadFileName with the addresses shifted by m.LoadOffset,
+// storing only into LoadFirst..LoadLast. bareName, the file's name without
+// its folder, gives the extension. The first error stops the load: the
+// pointer goes back to default, the message is shown, FileError becomes -1
+// and the file is closed; what was stored stays. A file that cannot be
+// opened or read stops the same way, the message naming the file and the
+// system's reason.
+LoadReport LoadObjectFile(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
+                          const std::string& bareName);
+
+// The same load over bytes in memory; messages name m.LoadFileName.
+LoadReport LoadObjectBytes(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
+                           const std::string& bareName, std::string_view bytes);
+
+}  // namespace kestrum
