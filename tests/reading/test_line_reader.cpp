@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "reading/LineReader.h"
+
+namespace kestrum {
+namespace {
+
+std::vector<std::string> Split(std::string_view bytes, std::size_t blockSize) {
+  MemorySource source(bytes);
+  LineReader reader(source, blockSize);
+  std::vector<std::string> lines;
+  Line line;
+  while (reader.Next(line)) {
+    EXPECT_TRUE(line.Whole());
+    lines.emplace_back(line.text);
+    EXPECT_EQ(reader.LineNumber(), lines.size());
+  }
+  return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(LineReader, CrOrCrLfEndsALineAndALoneLfStays) {
+  const struct {
+    std::string bytes;
+    Lines lines;
+  } cases[] = {
+      {"", {}},
+      {"a", {"a"}},
+      {"a\r\n", {"a"}},
+      {"a\r", {"a"}},
+      {"a\rb", {"a", "b"}},
+      {"a\r\nb\r\n", {"a", "b"}},
+      {"a\nb\n", {"a\nb\n"}},
+      {"a\n\rb", {"a\n", "b"}},
+      {"\r\n", {""}},
+      {"\r\r\n\r", {"", "", ""}},
+      {"ab\r\n\ncd", {"ab", "\ncd"}},
+      {"abc\r\r\n\n", {"abc", "", "\n"}},
+      {std::string("a\0b\r", 4), {std::string("a\0b", 3)}},
+  };
+  // Every block size makes the line ends fall at other places of a block,
+  // a CR LF pair split across two blocks among them.
+  for (const auto& c : cases) {
+    for (std::size_t block : {1, 2, 3, 4, 5, 7, 64}) {
+      if (c.bytes.size() > 0 && c.lines.size() > 0) {
+        std::size_t longest = 0;
+        for (const auto& l : c.lines) longest = std::max(longest, l.size());
+        if (longest > block) continue;  // a longer line is held only by its head
+      }
+      EXPECT_EQ(Split(c.bytes, block), c.lines) << "block " << block << ": " << c.bytes;
+    }
+  }
+}
+
+TEST(LineReader, LineLongerThanABlockKeepsItsHeadAndFullLength) {
+  std::string bytes = std::string(50, 'x') + "\r\n" + "yz" + "\r\n" + std::string(33, 'w');
+  for (std::size_t block : {8, 16, 49, 50}) {
+    MemorySource source(bytes);
+    LineReader reader(source, block);
+    Line line;
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(line.length, 50u) << block;
+    EXPECT_EQ(line.text, std::string(std::min<std::size_t>(block, 50), 'x')) << block;
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(line.text, "yz") << block;
+    ASSERT_TRUE(reader.Next(line));
+    EXPECT_EQ(line.length, 33u) << block;
+    EXPECT_FALSE(reader.Next(line));
+    EXPECT_EQ(reader.LineNumber(), 3u);
+  }
+}
+
+// Gives its bytes, then fails.
+class FailingSource : public ByteSource {
+ public:
+  explicit FailingSource(std::string bytes) : bytes_(std::move(bytes)) {}
+  std::size_t Read(std::uint8_t* dst, std::size_t count) override {
+    if (bytes_.empty()) {
+      Fail("Input/output error");
+      return 0;
+    }
+    const std::size_t n = std::min(count, bytes_.size());
+    std::copy_n(bytes_.begin(), n, dst);
+    bytes_.erase(0, n);
+    return n;
+  }
+  bool Skip(std::uint64_t) override { return false; }
+  bool Rewind() override { return false; }
+
+ private:
+  std::string bytes_;
+};
+
+TEST(LineReader, ReadFailureEndsWithoutAPartialLine) {
+  FailingSource source("one\r\ntwo");
+  LineReader reader(source, 4);
+  Line line;
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_EQ(line.text, "one");
+  EXPECT_FALSE(reader.Next(line));
+  EXPECT_EQ(source.Failure(), "Input/output error");
+}
+
+}  // namespace
+}  // namespace kestrum
