@@ -1,8 +1,113 @@
-// Placeholder until the dialog is built.
+#include "forms/frmload.h"
+
+#include <QCheckBox>
+#include <QGuiApplication>
+#include <QPushButton>
+#include <QScreen>
+
 #include "forms/Dialogs.h"
+#include "forms/FileLists.h"
+#include "image/KeyFilters.h"
 
 namespace kestrum::forms {
 
-void ShowFrmLoad(AppContext&, QWidget*) {}
+frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
+  setObjectName(QStringLiteral("frmload"));
+  setWindowTitle(QStringLiteral("File Load"));
+  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
+                 Qt::WindowCloseButtonHint);
+  SetClientSize(this, 5565, 4725);
+
+  Dir1_ = MakeChild<DirListBox>(this, "Dir1", Twips(300, 795, 1950, 1455));
+  File1_ = MakeChild<FileListBox>(this, "File1", Twips(2385, 390, 2505, 1905));
+  Text1_ = MakeChild<QLineEdit>(this, "Text1", Twips(1545, 2550, 3135, 285));
+  Text1_->setEnabled(false);
+  Text4_ = MakeChild<QLineEdit>(this, "Text4", Twips(2280, 3045, 1005, 285));
+  Text3_ = MakeChild<QLineEdit>(this, "Text3", Twips(2280, 3510, 1005, 315));
+  Check1_ = MakeChild<QCheckBox>(this, "Check1", Twips(705, 4005, 1455, 360), QStringLiteral("OffsetAddress"));
+  Text2_ = MakeChild<QLineEdit>(this, "Text2", Twips(2175, 4020, 1110, 315));
+  Text2_->setText(QStringLiteral("0"));
+  Command1_ = MakeChild<QPushButton>(this, "Command1", Twips(3960, 3300, 1125, 390), QStringLiteral("Load"));
+  Command2_ = MakeChild<QPushButton>(this, "Command2", Twips(3960, 3945, 1125, 390), QStringLiteral("Cancel"));
+  Drive1_ = MakeChild<DriveListBox>(this, "Drive1", Twips(300, 405, 1965, 285));
+  MakeLabel(this, "Label1", QStringLiteral("File Name"), 600, 2580, 705, 195);
+  MakeLabel(this, "Label3", QStringLiteral("LastAddress"), 1140, 3540, 930, 255);
+  MakeLabel(this, "Label4", QStringLiteral("FirstAddress"), 1140, 3045, 855, 195);
+
+  for (auto* box : {Text4_, Text3_, Text2_}) box->setFont(MonoFont());
+  HookKeyFilter(Text4_, FilterAddressKey);
+  HookKeyFilter(Text3_, FilterAddressKey);
+  HookKeyFilter(Text2_, FilterOffsetKey);
+  Command1_->setDefault(true);
+  QWidget* order[] = {Dir1_, File1_, Text1_, Text4_, Text3_, Check1_, Text2_, Command1_, Command2_, Drive1_};
+  for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
+  Dir1_->setFocus();
+
+  File1_->SetPath(Dir1_->Path());
+  connect(Dir1_, &DirListBox::Change, File1_, &FileListBox::SetPath);
+  connect(Drive1_, &DriveListBox::Change, this, &frmload::Drive1_Change);
+  connect(File1_, &FileListBox::Click, Text1_, &QLineEdit::setText);
+  connect(Check1_, &QCheckBox::clicked, this, &frmload::Check1_Click);
+  // Esc rejects the dialog by itself, which is what Cancel does.
+  connect(Command2_, &QPushButton::clicked, this, &QDialog::reject);
+  connect(Command1_, &QPushButton::clicked, this, &frmload::Command1_Click);
+
+  // A stored drive or folder that is gone leaves its list as it was.
+  LoadFields f = Fields();
+  cmdload_Click(f, ctx_.store);
+  Text4_->setText(Q(f.Text4));
+  Text3_->setText(Q(f.Text3));
+  if (Q(f.Drive1) != Drive1_->Drive()) Drive1_->SetDrive(Q(f.Drive1));
+  if (Q(f.Dir1) != Dir1_->Path()) Dir1_->SetPath(Q(f.Dir1));
+  Check1_->setChecked(f.Check1);
+  Text2_->setHidden(!f.Text2Visible);
+}
+
+void frmload::Check1_Click() { Text2_->setHidden(!Check1_->isChecked()); }
+
+void frmload::Drive1_Change(const QString& drive) {
+  // The drive list keeps showing the new drive; the folder stays where it was.
+  if (!Dir1_->SetPath(drive)) ctx_.platform.MsgBox("Device unavailable");
+}
+
+LoadFields frmload::Fields() const {
+  LoadFields f;
+  f.Text1 = S(Text1_->text());
+  f.Text4 = S(Text4_->text());
+  f.Text3 = S(Text3_->text());
+  f.Check1 = Check1_->isChecked();
+  f.Text2 = S(Text2_->text());
+  f.Text2Visible = !Text2_->isHidden();
+  f.Drive1 = S(Drive1_->Drive());
+  f.Dir1 = S(Dir1_->Path());
+  f.File1 = S(File1_->FileName());
+  f.Command1Enabled = Command1_->isEnabled();
+  f.Command2Enabled = Command2_->isEnabled();
+  return f;
+}
+
+void frmload::ShowFields(const LoadFields& f) {
+  Text4_->setText(Q(f.Text4));
+  Text3_->setText(Q(f.Text3));
+  Command1_->setEnabled(f.Command1Enabled);
+  Command2_->setEnabled(f.Command2Enabled);
+}
+
+void frmload::Command1_Click() {
+  LoadFields f = Fields();
+  const bool close = kestrum::Command1_Click(f, ctx_.m, ctx_.platform, ctx_.store);
+  ShowFields(f);
+  if (close) accept();
+}
+
+void ShowFrmLoad(AppContext& ctx, QWidget* owner) {
+  frmload dialog(ctx, owner);
+  if (const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen()) {
+    QRect place = dialog.frameGeometry();
+    place.moveCenter(screen->availableGeometry().center());
+    dialog.move(place.topLeft());
+  }
+  dialog.exec();
+}
 
 }  // namespace kestrum::forms

@@ -1,0 +1,46 @@
+#pragma once
+#include <QDialog>
+
+#include "forms/FormSupport.h"
+#include "reading/LoadDialog.h"
+
+class QCheckBox;
+class QLineEdit;
+class QPushButton;
+
+namespace kestrum::forms {
+
+class DirListBox;
+class DriveListBox;
+class FileListBox;
+
+// File Load: a file picked from the drive, folder and file lists, the range
+// the load may write and an optional signed offset. Opens with the range,
+// drive and folder from the store; Load runs the core's Load button and
+// closes when it says so.
+class frmload : public QDialog {
+  Q_OBJECT
+ public:
+  frmload(AppContext& ctx, QWidget* owner = nullptr);
+
+ private:
+  void Command1_Click();
+  void Check1_Click();
+  void Drive1_Change(const QString& drive);
+  LoadFields Fields() const;
+  void ShowFields(const LoadFields& f);
+
+  AppContext& ctx_;
+  DriveListBox* Drive1_ = nullptr;
+  DirListBox* Dir1_ = nullptr;
+  FileListBox* File1_ = nullptr;
+  QLineEdit* Text1_ = nullptr;
+  QLineEdit* Text4_ = nullptr;
+  QLineEdit* Text3_ = nullptr;
+  QCheckBox* Check1_ = nullptr;
+  QLineEdit* Text2_ = nullptr;
+  QPushButton* Command1_ = nullptr;
+  QPushButton* Command2_ = nullptr;
+};
+
+}  // namespace kestrum::forms
