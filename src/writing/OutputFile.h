@@ -59,7 +59,7 @@ class OutputFile {
 // pieces. Writers ask for room for one record at a time.
 class TextOutput {
  public:
-  static constexpr std::size_t kBlock = std::size_t{1} << 20;
+  static constexpr std::size_t kBlock = std::size_t{1} << 24;
   explicit TextOutput(OutputFile& file);
 
   // Room for at least size more characters (size <= kBlock / 2); nullptr
