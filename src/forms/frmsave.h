@@ -1,0 +1,49 @@
+#pragma once
+#include <QDialog>
+
+#include "forms/FormSupport.h"
+#include "writing/SaveFlow.h"
+
+class QComboBox;
+class QLineEdit;
+class QPushButton;
+
+namespace kestrum::forms {
+
+class DirListBox;
+class DriveListBox;
+class FileListBox;
+
+// File Save: the folder and name of the file, which files to make, the
+// object format, the range, the record length and the sum. Opens with the
+// fields from the store; Save runs the core's Save button and closes when
+// it says so.
+class frmsave : public QDialog {
+  Q_OBJECT
+ public:
+  frmsave(AppContext& ctx, QWidget* owner = nullptr);
+
+ private:
+  void Combo1_Click();
+  void Combo2_Click();
+  void Command5_Click();
+  void Drive2_Change(const QString& drive);
+  SaveFields Fields() const;
+  void ShowFields(const SaveFields& f);
+
+  AppContext& ctx_;
+  DriveListBox* Drive2_ = nullptr;
+  DirListBox* Dir2_ = nullptr;
+  FileListBox* File2_ = nullptr;
+  QLineEdit* Text5_ = nullptr;
+  QComboBox* Combo1_ = nullptr;
+  QComboBox* Combo2_ = nullptr;
+  QLineEdit* Text7_ = nullptr;
+  QLineEdit* Text6_ = nullptr;
+  QLineEdit* Text4_ = nullptr;
+  QComboBox* Combo3_ = nullptr;
+  QPushButton* Command5_ = nullptr;
+  QPushButton* Command2_ = nullptr;
+};
+
+}  // namespace kestrum::forms
