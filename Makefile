@@ -10,6 +10,11 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
            libbenchmark-dev srecord python3-intelhex xvfb xauth
 
+# What make run shows without a display: load, dump, sum and save, the
+# files going into the build folder.
+EXAMPLE = load examples/blink.hex dump 0 sum 0:FFFF \
+          save $(BUILD)/blink.s --format s --range 0:FFFF ysm $(BUILD)/blink.YSM --sum 16-16 --range 0:FFFF
+
 .PHONY: all deps configure build run test test-asan test-xvfb fuzz clean
 
 all: build
@@ -44,6 +49,9 @@ run: build
 	else \
 	  echo "No display: the window of kestrum needs one (DISPLAY or WAYLAND_DISPLAY)."; \
 	  echo "Run it on a desktop, or under xvfb-run for a look without one."; \
+	  echo "Meanwhile, kestrum-cli on the bundled example:"; \
+	  echo "kestrum-cli $(EXAMPLE)"; \
+	  $(BUILD)/kestrum-cli $(EXAMPLE) && echo "Wrote $(BUILD)/blink.s and $(BUILD)/blink.YSM."; \
 	fi
 
 test: build
