@@ -211,6 +211,14 @@ TEST(SaveFlow, NamesOfTheFiles) {
   }
 }
 
+TEST(SaveFlow, OneAddressGivesABinFileOfOneByte) {
+  World w;
+  w.f.Text7 = "80";
+  w.f.Text6 = "80";
+  ASSERT_TRUE(w.Save());
+  EXPECT_EQ(ReadFile(w.dir / "prog.BIN"), w.Bytes(0x80, 0x80));
+}
+
 TEST(SaveFlow, WritersGetTheRangeAndTheSum) {
   World w;
   w.f.Combo1 = "Object and YSM File";
