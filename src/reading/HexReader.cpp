@@ -1,5 +1,7 @@
 #include "reading/HexReader.h"
 
+#include <cstring>
+
 namespace kestrum {
 
 namespace {
@@ -14,6 +16,8 @@ constexpr std::uint64_t kFrameLength = 11;  // mark, count, address, type, check
 constexpr int kData = 0x00;
 constexpr int kExtendedSegment = 0x02;
 constexpr int kExtendedLinear = 0x04;
+
+constexpr int kMaxCount = 255;
 
 int ChecksumOf(int sum) { return (256 - (sum & 0xFF)) & 0xFF; }
 
@@ -51,28 +55,13 @@ RecordStatus HexReader::DataRecord(Module1& m, std::string_view text, int count,
   if (clip.passedOver) return RecordStatus::Ok;
 
   const char* data = text.data() + kDataColumn - 1;
-  int sum = count + high + low + kData;
-  if (clip.first == record && clip.last == record + count - 1) {
-    // The whole record lies in the range: store and add up in one pass.
-    std::uint8_t* out = m.Buffer.data() + (record - m.BufFirst);
-    for (int i = 0; i < count; ++i) {
-      const int value = HexPairValue(data + 2 * i);
-      if (value < 0) return RecordStatus::FormatError;
-      out[i] = static_cast<std::uint8_t>(value);
-      sum += value;
-    }
-  } else {
-    for (Address a = clip.first; a <= clip.last; ++a) {
-      const int value = HexPairValue(data + 2 * (a - record));
-      if (value < 0) return RecordStatus::FormatError;
-      m.At(a) = static_cast<std::uint8_t>(value);
-    }
-    for (int i = 0; i < count; ++i) {
-      const int value = HexPairValue(data + 2 * i);
-      if (value < 0) return RecordStatus::FormatError;
-      sum += value;
-    }
+  std::uint8_t bytes[kMaxCount];
+  const int dataSum = DecodePairs(data, static_cast<std::size_t>(count), bytes);
+  if (dataSum < 0) return StoreUpToBadDigit(m, data, record, clip);
+  if (clip.last >= clip.first) {
+    std::memcpy(&m.At(clip.first), bytes + (clip.first - record), static_cast<std::size_t>(clip.last - clip.first + 1));
   }
+  const int sum = count + high + low + kData + dataSum;
   return ChecksumOf(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
 }
 

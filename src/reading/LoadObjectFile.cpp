@@ -34,10 +34,13 @@ struct SLines {
 };
 
 template <typename Reader>
-LoadReport ReadLines(Module1& m, Platform& platform, ByteSource& source, LoadFormat format,
-                     Address LoadFirst, Address LoadLast) {
+LoadReport ReadLines(Module1& m, Platform& platform, ByteSource& source, std::uint64_t length,
+                     LoadFormat format, Address LoadFirst, Address LoadLast) {
   Reader reader;
-  LineReader lines(source);
+  // A small file needs no block of full size; every line of it still fits.
+  constexpr std::uint64_t kSmallBlock = 4096;
+  LineReader lines(source, static_cast<std::size_t>(std::clamp<std::uint64_t>(length + 1, kSmallBlock,
+                                                                              LineReader::kBlockSize)));
   Line line;
   while (lines.Next(line)) {
     const RecordStatus status = reader.ReadLine(m, line, LoadFirst, LoadLast);
@@ -71,9 +74,9 @@ LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address L
   LoadLast = std::min(LoadLast, m.BufLast);
   switch (format) {
     case LoadFormat::HEX:
-      return ReadLines<HexReader>(m, platform, source, format, LoadFirst, LoadLast);
+      return ReadLines<HexReader>(m, platform, source, length, format, LoadFirst, LoadLast);
     case LoadFormat::S:
-      return ReadLines<SLines>(m, platform, source, format, LoadFirst, LoadLast);
+      return ReadLines<SLines>(m, platform, source, length, format, LoadFirst, LoadLast);
     case LoadFormat::BIN:
       break;
   }

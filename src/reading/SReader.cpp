@@ -1,6 +1,6 @@
 #include "reading/SReader.h"
 
-#include <algorithm>
+#include <cstring>
 #include <string>
 
 namespace kestrum {
@@ -10,6 +10,7 @@ namespace {
 constexpr std::size_t kCountColumn = 3;
 constexpr std::size_t kAddressColumn = 5;
 constexpr std::uint64_t kFrameLength = 4;  // type and count
+constexpr int kMaxCount = 255;
 
 // The address field, 2 * K + 2 characters from column 5, read as the
 // 8 digits of address text it gives with zeros in front.
@@ -55,47 +56,32 @@ RecordStatus LoadSRecord(Module1& m, int K, const Line& line, Address LoadFirst,
   const std::string_view text = line.text;
   const int count = HexPairAt(text, kCountColumn);
   if (count < 0) return RecordStatus::FormatError;
-  const Address record = RecordAddress(text, K) + m.LoadOffset;
-  const Address n = count - K - 2;
-  const RecordClip clip = ClipRecord(record, n, LoadFirst, LoadLast);
+  // Reading the address and clipping come before the length test, yet
+  // neither leaves a trace when the test fails.
   if (line.length != kFrameLength + 2 * static_cast<std::uint64_t>(count) || !line.Whole())
     return RecordStatus::FormatError;
+
+  // The count, the address and the data, all summed by the checksum test.
+  const char* pairs = text.data() + kCountColumn - 1;
+  std::uint8_t bytes[kMaxCount];
+  const int sum = DecodePairs(pairs, static_cast<std::size_t>(count), bytes);
+  Address address = 0;
+  if (sum >= 0 && count >= K + 2) {
+    for (int i = 1; i <= K + 1; ++i) address = address * 256 + bytes[i];
+  } else {
+    address = RecordAddress(text, K);
+  }
+  const Address record = address + m.LoadOffset;
+  const Address n = count - K - 2;
+  const RecordClip clip = ClipRecord(record, n, LoadFirst, LoadLast);
   if (clip.passedOver) return RecordStatus::Ok;
 
+  if (sum < 0) return StoreUpToBadDigit(m, n > 0 ? pairs + 2 * (K + 2) : pairs, record, clip);
+  if (clip.last >= clip.first) {
+    std::memcpy(&m.At(clip.first), bytes + (K + 2) + (clip.first - record),
+                static_cast<std::size_t>(clip.last - clip.first + 1));
+  }
   const int checksum = HexPairAt(text, text.size() - 1);
-  const char* pairs = text.data() + kCountColumn - 1;  // count, address, data
-  // The count and address pairs; a bad one among them is found only when
-  // the checksum is tested, after the bytes are stored.
-  int sum = 0;
-  bool headerRead = true;
-  for (int i = 0; headerRead && i < std::min(K + 2, count); ++i) {
-    const int value = HexPairValue(pairs + 2 * i);
-    headerRead = value >= 0;
-    sum += value;
-  }
-  const char* data = pairs + 2 * std::min(K + 2, count);
-  if (headerRead && n > 0 && clip.first == record && clip.last == record + n - 1) {
-    // The whole record lies in the range: store and add up in one pass.
-    std::uint8_t* out = m.Buffer.data() + (record - m.BufFirst);
-    for (Address i = 0; i < n; ++i) {
-      const int value = HexPairValue(data + 2 * i);
-      if (value < 0) return RecordStatus::FormatError;
-      out[i] = static_cast<std::uint8_t>(value);
-      sum += value;
-    }
-  } else {
-    for (Address a = clip.first; a <= clip.last; ++a) {
-      const int value = HexPairValue(data + 2 * (a - record));
-      if (value < 0) return RecordStatus::FormatError;
-      m.At(a) = static_cast<std::uint8_t>(value);
-    }
-    sum = 0;
-    for (int i = 0; i < count; ++i) {
-      const int value = HexPairValue(pairs + 2 * i);
-      if (value < 0) return RecordStatus::FormatError;
-      sum += value;
-    }
-  }
   if (checksum < 0) return RecordStatus::FormatError;
   return 255 - (sum & 0xFF) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
 }
