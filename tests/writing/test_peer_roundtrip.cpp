@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "SaveCase.h"
 #include "TestSupport.h"
 #include "writing/Writers.h"
 
@@ -44,13 +45,6 @@ std::string Complaints(const std::string& err) {
   return rest;
 }
 
-struct PeerCase {
-  const char* name;
-  Address areaFirst, areaLast;
-  Address saveFirst, saveLast;
-  int recordLength;
-};
-
 TEST(PeerRoundTrip, SrecCatReadsTheSameBytes) {
   if (!std::filesystem::exists(kSrecCat)) GTEST_SKIP() << "srec_cat is not installed";
   // Under a segment base (02) srec_cat folds a record that runs past a
@@ -58,7 +52,7 @@ TEST(PeerRoundTrip, SrecCatReadsTheSameBytes) {
   // files keep such a record's bytes in one line at rising addresses, so no
   // case here has a record crossing a boundary other than 00010000 while a
   // segment base is in force.
-  const PeerCase cases[] = {
+  const test::SaveCase cases[] = {
       {"one byte", 0, 0xFFFF, 0x1234, 0x1234, 0x10},
       {"a record across 00010000 before any base", 0, 0x1FFFF, 0xFFF8, 0x1000F, 0x10},
       {"segment bases, 64 K boundaries between records", 0, 0x3FFFF, 0xFFF0, 0x3000F, 0x10},
@@ -70,11 +64,7 @@ TEST(PeerRoundTrip, SrecCatReadsTheSameBytes) {
   };
   std::mt19937 random(20240601);
   for (const auto& c : cases) {
-    Module1 m = test::MakeImage(c.areaFirst, c.areaLast);
-    for (Address a = c.areaFirst; a <= c.areaLast; ++a) m.At(a) = static_cast<std::uint8_t>(random());
-    m.SaveFirst = c.saveFirst;
-    m.SaveLast = c.saveLast;
-    m.RecordLength = static_cast<std::int16_t>(c.recordLength);
+    Module1 m = c.Image(random);
     const std::string expected(reinterpret_cast<const char*>(&m.At(c.saveFirst)),
                                static_cast<std::size_t>(c.saveLast - c.saveFirst + 1));
     for (const char* format : {"-intel", "-motorola"}) {

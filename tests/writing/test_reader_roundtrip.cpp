@@ -5,6 +5,7 @@
 #include <random>
 #include <string>
 
+#include "SaveCase.h"
 #include "TestSupport.h"
 #include "bufferops/Sum.h"
 #include "reading/LoadObjectFile.h"
@@ -13,17 +14,10 @@
 namespace kestrum {
 namespace {
 
-struct RoundTripCase {
-  const char* name;
-  Address areaFirst, areaLast;
-  Address saveFirst, saveLast;
-  int recordLength;
-};
-
 enum class Kind { kBin, kHex, kS };
 
 TEST(ReaderRoundTrip, SameBytesBack) {
-  const RoundTripCase cases[] = {
+  const test::SaveCase cases[] = {
       {"one byte", 0, 0xFFFF, 0x100, 0x100, 0x10},
       {"records across 64 K boundaries under segment bases", 0, 0x3FFFF, 0xFFF5, 0x3000A, 0x0B},
       {"segment bases giving way to linear ones", 0xF0000, 0x10FFFF, 0xFFF00, 0x1000FF, 0xF0},
@@ -33,11 +27,7 @@ TEST(ReaderRoundTrip, SameBytesBack) {
   };
   std::mt19937 random(7);
   for (const auto& c : cases) {
-    Module1 source = test::MakeImage(c.areaFirst, c.areaLast);
-    for (Address a = c.areaFirst; a <= c.areaLast; ++a) source.At(a) = static_cast<std::uint8_t>(random());
-    source.SaveFirst = c.saveFirst;
-    source.SaveLast = c.saveLast;
-    source.RecordLength = static_cast<std::int16_t>(c.recordLength);
+    Module1 source = c.Image(random);
     for (Kind kind : {Kind::kBin, Kind::kHex, Kind::kS}) {
       const char* names[] = {"image.BIN", "image.HEX", "image.S"};
       const std::string bare = names[static_cast<int>(kind)];
