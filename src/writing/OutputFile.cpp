@@ -89,6 +89,16 @@ OutputFile OutputFile::Create(const std::string& path) {
     }
     out.working_ = out.target_;
   } else {
+    // A file the user may not write stays protected, though its folder
+    // would let a new file take its name.
+    if (fs::is_regular_file(status)) {
+      errno = 0;
+      std::unique_ptr<std::FILE, Close> probe(std::fopen(out.target_.c_str(), "ab"));
+      if (!probe) {
+        out.Fail("create", Reason(errno));
+        return out;
+      }
+    }
     fs::path folder = fs::path(out.target_).parent_path();
     if (folder.empty()) folder = ".";
     std::mt19937_64 random(std::random_device{}() ^ reinterpret_cast<std::uintptr_t>(&out));

@@ -162,15 +162,5 @@ TEST(CliSave, RefusalsAndFailuresLeaveTheOldFile) {
   }
 }
 
-TEST(CliSave, VerboseSaysWhatWasWritten) {
-  TempDir dir;
-  const auto r = RunProgram(
-      {KESTRUM_CLI, "--verbose", "save", "a.s", "--format", "s", "--range", "10:1F", "ysm", "a.ysm", "--sum", "16-16"},
-      dir.path());
-  ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_NE(r.err.find("save: a.s: 00000010:0000001F as S"), std::string::npos) << r.err;
-  EXPECT_NE(r.err.find("ysm: a.ysm: 16-16 sum of 00000000:0007FFFF"), std::string::npos) << r.err;
-}
-
 }  // namespace
 }  // namespace kestrum

@@ -130,15 +130,22 @@ TEST(FileFailures, AWriteThatFailsHalfWayLeavesTheOldFileWhole) {
   }
 }
 
-TEST(FileFailures, AReadOnlyFolderIsNamed) {
-  if (geteuid() == 0) GTEST_SKIP() << "the superuser writes into read-only folders";
+TEST(FileFailures, ReadOnlyFilesAndFoldersAreNamed) {
+  if (geteuid() == 0) GTEST_SKIP() << "the superuser writes into read-only files and folders";
   TempDir dir;
-  fs::permissions(dir.path(), fs::perms::owner_read | fs::perms::owner_exec);
-  Module1 m = SmallImage();
-  ScriptedPlatform platform;
-  EXPECT_EQ(SaveHexFile(m, platform, (dir / "a.HEX").string()), SaveOutcome::FileFailure);
-  ASSERT_EQ(platform.messages.size(), 1u);
-  EXPECT_NE(platform.messages[0].text.find("Permission denied"), std::string::npos);
+  WriteFile(dir / "locked.HEX", "old");
+  fs::permissions(dir / "locked.HEX", fs::perms::owner_read);
+  fs::create_directory(dir / "closed");
+  fs::permissions(dir / "closed", fs::perms::owner_read | fs::perms::owner_exec);
+  for (const auto& path : {dir / "locked.HEX", dir / "closed" / "a.HEX"}) {
+    SCOPED_TRACE(path.string());
+    Module1 m = SmallImage();
+    ScriptedPlatform platform;
+    EXPECT_EQ(SaveHexFile(m, platform, path.string()), SaveOutcome::FileFailure);
+    ASSERT_EQ(platform.messages.size(), 1u);
+    EXPECT_NE(platform.messages[0].text.find("Permission denied"), std::string::npos);
+  }
+  EXPECT_EQ(ReadFile(dir / "locked.HEX"), "old");
 }
 
 TEST(FileFailures, ReplacingKeepsLinksAndPermissions) {

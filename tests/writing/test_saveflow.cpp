@@ -367,8 +367,6 @@ TEST(SaveFlow, FileSystemFailures) {
     const char* inMessage;
   } cases[] = {
       {"a folder that is gone", [](SaveFields& f) { f.Dir2 += "/gone"; }, "No such file or directory"},
-      {"a name the file system refuses", [](SaveFields& f) { f.Text5 = std::string(300, 'n'); },
-       "File name too long"},
       {"a name holding a path", [](SaveFields& f) { f.Text5 = "sub/prog"; }, "sub/prog: a file name can't hold"},
       {"a pair into a gone folder says it for each file",
        [](SaveFields& f) { f.Dir2 += "/gone", f.Combo1 = "Object and YSM File"; }, "prog.YSM: No such file"},
@@ -447,29 +445,6 @@ TEST(SaveFlow, Opening) {
     EXPECT_EQ(places.drive, c.places.drive);
     EXPECT_EQ(places.dir, c.places.dir);
   }
-}
-
-TEST(SaveFlow, ComboClicksOnlyEnable) {
-  SaveFields f;
-  f.Text4 = "20";
-  f.Combo1 = "YSM File Only";
-  Combo1_Click(f);
-  EXPECT_FALSE(f.Combo2Enabled);
-  EXPECT_TRUE(f.Combo3Enabled);
-  f.Combo2 = "BIN";
-  Combo2_Click(f);
-  EXPECT_FALSE(f.Text4Enabled);
-  f.Combo2 = "HEX";
-  Combo2_Click(f);
-  EXPECT_TRUE(f.Text4Enabled);
-  EXPECT_EQ(f.Text4, "20");
-  f.Combo1 = "Object and YSM File";
-  Combo1_Click(f);
-  EXPECT_TRUE(f.Combo2Enabled && f.Combo3Enabled);
-  f.Combo1 = "Object File Only";
-  Combo1_Click(f);
-  EXPECT_TRUE(f.Combo2Enabled);
-  EXPECT_FALSE(f.Combo3Enabled);
 }
 
 }  // namespace
