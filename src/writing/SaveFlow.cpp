@@ -1,6 +1,7 @@
 #include "writing/SaveFlow.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "image/Address.h"
 #include "writing/Writers.h"
