@@ -14,8 +14,8 @@ SaveOutcome SaveBinFile(Module1& m, Platform& platform, const std::string& FileN
   if (!file.ok()) return ReportFileFailure(m, platform, file);
   const std::uint8_t* bytes = &m.At(m.SaveFirst);
   const std::uint64_t size = static_cast<std::uint64_t>(m.SaveLast - m.SaveFirst + 1);
-  // Pieces the system takes in one call on every platform.
-  constexpr std::uint64_t kPiece = std::uint64_t{1} << 30;
+  // Large pieces, each taken by the system in one call.
+  constexpr std::uint64_t kPiece = std::uint64_t{1} << 24;
   for (std::uint64_t done = 0; done < size;) {
     const std::uint64_t piece = std::min(kPiece, size - done);
     if (!file.Write(bytes + done, static_cast<std::size_t>(piece))) return ReportFileFailure(m, platform, file);
