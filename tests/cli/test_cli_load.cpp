@@ -17,8 +17,6 @@ struct Files {
     WriteFile(dir / "app.s", "S00600004844521B\r\nS107100001020304DE\r\nS9030000FC\r\n");
     WriteFile(dir / "patch.s", "S1051002AABB83\r\n");
     WriteFile(dir / "image.bin", std::string("\x11\x22\x33\x44", 4));
-    WriteFile(dir / "image.dat", ":0410000001020304E2\r\n");
-    WriteFile(dir / "empty.hex", "");
     WriteFile(dir / "sum.hex", ":0410000001020304E2\r\n:0410000001020304E3\r\n");
     WriteFile(dir / "format.s", "S107100001020304DE\r\nS9030000FC\r\nS4030000FC\r\n");
     WriteFile(dir / "lf.hex", ":0410000001020304E2\n:00000001FF\n");
@@ -43,21 +41,17 @@ TEST(CliLoad, LoadedBytesShowInDumpAndSum) {
   } cases[] = {
       {"HEX", {"--area", "1000:100F", "load", "app.hex", "dump", "1000"}, Row("00001000", "01020304")},
       {"S", {"load", "app.s", "sum", "1000:1003"}, "8-8bit=0A 8-16bit=000A 16-16bit=0406\n"},
-      {"by content", {"--area", "1000:100F", "load", "image.dat", "dump", "1000"}, Row("00001000", "01020304")},
       {"BIN from the range's start, cut at its end",
        {"--area", "1000:100F", "load", "image.bin", "--range", "1002:1003", "dump", "1000"},
        Row("00001000", "FFFF1122")},
       {"BIN with an offset", {"--area", "1000:100F", "load", "image.bin", "--offset", "+2", "dump", "1000"},
        Row("00001000", "FFFF11223344")},
-      {"BIN with a negative offset", {"--area", "1000:100F", "load", "image.bin", "--offset", "-1", "dump", "1000"},
-       Row("00001000", "223344")},
       {"HEX with a negative offset", {"--area", "0:F", "load", "app.hex", "--offset", "-1000", "dump", "0"},
        Row("00000000", "01020304")},
       {"range clips", {"--area", "1000:100F", "load", "app.hex", "--range", "1001:1002", "dump", "1000"},
        Row("00001000", "FF0203")},
       {"second load overlays", {"--area", "1000:100F", "load", "app.hex", "load", "patch.s", "dump", "1000"},
        Row("00001000", "0102AABB")},
-      {"empty file", {"--area", "1000:100F", "load", "empty.hex", "dump", "1000"}, Row("00001000", "")},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
@@ -80,14 +74,11 @@ TEST(CliLoad, FailuresStopWithTheirWordsAndStatus) {
       {"format", {"load", "format.s", "sum"}, 1, "format.s:3: Format Error\n"},
       {"lone LF", {"load", "lf.hex", "sum"}, 1, "lf.hex:1: Format Error\n"},
       {"missing", {"load", "missing.hex", "sum"}, 1, "kestrum-cli: Cannot read missing.hex: No such file or directory\n"},
-      {"folder", {"load", "folder", "sum"}, 1, "kestrum-cli: Cannot read folder: Is a directory\n"},
       {"folder with separator", {"load", "folder/", "sum"}, 1, "kestrum-cli: Cannot read folder/: Is a directory\n"},
       {"first outside", {"--area", "1000:1FFF", "load", "app.hex", "--range", "0:1FFF", "sum"}, 2,
        "kestrum-cli: First Address Error!\n"},
       {"last outside", {"load", "app.hex", "--range", "0:80000"}, 2, "kestrum-cli: Last Address Error!\n"},
-      {"first above last", {"load", "app.hex", "--range", "2000:1000"}, 2, "kestrum-cli: Address Error!\n"},
       {"sign in the middle", {"load", "app.hex", "--offset", "12-34"}, 2, "kestrum-cli: OffsetAddress Error!\n"},
-      {"nine digits", {"load", "app.hex", "--offset", "123456789"}, 2, "kestrum-cli: OffsetAddress Error!\n"},
       {"empty offset", {"load", "app.hex", "--offset", ""}, 2, "kestrum-cli: Offset Address Error!\n"},
       {"no offset text", {"load", "app.hex", "--offset", "x1"}, 2,
        "kestrum-cli: --offset: 'x1' is no offset [+|-]HEX\n"},

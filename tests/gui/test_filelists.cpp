@@ -31,18 +31,6 @@ struct Tree {
 class TestFileLists : public QObject {
   Q_OBJECT
  private slots:
-  void pathsJoinWithoutADoubledSeparator() {
-    const QString sep = QDir::separator();
-    const struct {
-      QString dir, name, joined;
-    } rows[] = {
-        {sep, "a.hex", sep + "a.hex"},
-        {sep + "work", "a.hex", sep + "work" + sep + "a.hex"},
-        {sep + "work" + sep, "a.hex", sep + "work" + sep + "a.hex"},
-    };
-    for (const auto& row : rows) QCOMPARE(forms::JoinPath(row.dir, row.name), row.joined);
-  }
-
   void drivesHoldTheRootAndEachPathFindsItsDrive() {
     const QStringList roots = forms::DriveRoots();
     QVERIFY(!roots.isEmpty());

@@ -107,28 +107,16 @@ class TestFrmLoad : public QObject {
     QCOMPARE(int(l.w.m.Buffer[0]), 1);
   }
 
-  void refusalAndFailureKeepTheDialogOpen() {
+  void refusalKeepsTheDialogOpenAndCancelStoresNothing() {
     LoadWorld l;
-    l.StoreFolder();
-    WriteFile(std::filesystem::path(LoadWorld::S(l.folder.path())) / "bad.hex", ":0410000001020304E3\r\n");
     forms::frmload dialog(l.w.ctx);
     dialog.show();
     QTest::mouseClick(Child<QPushButton>(&dialog, "Command1"), Qt::LeftButton);
-    Pick(Child<FileListBox>(&dialog, "File1"), "bad.hex");
-    QTest::mouseClick(Child<QPushButton>(&dialog, "Command1"), Qt::LeftButton);
-    QCOMPARE(l.w.platform.Texts(), (std::vector<std::string>{"Select File Name!", "SUM Error"}));
+    QCOMPARE(l.w.platform.Texts(), std::vector<std::string>{"Select File Name!"});
     QVERIFY(dialog.isVisible());
-    QVERIFY(l.w.settings.store.Read(kAddress, "LoadFirst", "").empty());
-    QVERIFY(Child<QPushButton>(&dialog, "Command1")->isEnabled());
     QTest::mouseClick(Child<QPushButton>(&dialog, "Command2"), Qt::LeftButton);
     QCOMPARE(dialog.result(), int(QDialog::Rejected));
-  }
-
-  void storedFolderWithoutDriveIsNotApplied() {
-    LoadWorld l;
-    l.w.settings.store.Write(kFilePath, "LoadDir", LoadWorld::S(l.Folder()));
-    forms::frmload dialog(l.w.ctx);
-    QCOMPARE(Child<DirListBox>(&dialog, "Dir1")->Path(), forms::NormalPath(QDir::currentPath()));
+    QVERIFY(l.w.settings.store.Read(kAddress, "LoadFirst", "").empty());
   }
 
   void storedFolderThatIsGoneLeavesTheList() {

@@ -60,8 +60,6 @@ TEST(LoadObjectBytes, ContentDecidesForOtherNames) {
       {"PROG.DAT", ":", {{0, {':'}}}, ""},
       {"PROG.DAT", far, {{0, std::vector<std::uint8_t>(far.begin(), far.end())}}, ""},
       {"PROG", "S107100001020304DE\r\n", {{0x1000, {1, 2, 3, 4}}}, ""},
-      {"PROG.HEX.BAK", "S107100001020304DE\r\n", {{0x1000, {1, 2, 3, 4}}}, ""},
-      {"prog.s", "S107100001020304DE", {{0x1000, {1, 2, 3, 4}}}, ""},
       {"PROG.Hex", "S107100001020304DE", {}, "Format Error"},
   };
   for (const auto& c : cases) {

@@ -54,52 +54,6 @@ TEST(LoadObjectFile, FileThatCannotBeReadStopsWithItsNameAndReason) {
   }
 }
 
-TEST(LoadObjectFile, EmptyFileAndRecordErrorsOnDisk) {
-  TempDir dir;
-  WriteFile(dir / "empty.hex", "");
-  FileLoad empty;
-  empty.Load(dir / "empty.hex");
-  EXPECT_TRUE(empty.report.Loaded());
-  EXPECT_TRUE(empty.platform.messages.empty());
-  EXPECT_EQ(empty.m.FileError, 0);
-
-  WriteFile(dir / "bad.dat", ":0410000001020304E2\r\n:00000001FF\r\n:0410100005060708C3\r\n");
-  FileLoad bad;
-  bad.Load(dir / "bad.dat");
-  EXPECT_EQ(bad.platform.Texts(), std::vector<std::string>{"SUM Error"});
-  EXPECT_EQ(bad.report.line, 3u);
-  EXPECT_EQ(bad.report.format, LoadFormat::HEX);
-  EXPECT_EQ(bad.m.Buffer[0x1013], 8);
-}
-
-// A file of more than one block, so that lines cross the reader's block
-// boundaries.
-TEST(LoadObjectFile, RecordsAcrossManyBlocks) {
-  TempDir dir;
-  std::string text;
-  std::vector<std::uint8_t> expected(kImageLast + 1, 0xFF);
-  char line[32];
-  for (unsigned address = 0; address <= kImageLast; address += 4) {
-    const unsigned count = 3 + 4 + 1;
-    unsigned sum = count + (address >> 16) + ((address >> 8) & 0xFF) + (address & 0xFF);
-    int n = std::snprintf(line, sizeof line, "S2%02X%06X", count, address);
-    for (unsigned i = 0; i < 4; ++i) {
-      const unsigned value = (address * 7 + i * 13) & 0xFF;
-      expected[address + i] = static_cast<std::uint8_t>(value);
-      sum += value;
-      n += std::snprintf(line + n, sizeof line - n, "%02X", value);
-    }
-    std::snprintf(line + n, sizeof line - n, "%02X\r\n", 255 - (sum & 0xFF));
-    text += line;
-  }
-  ASSERT_GT(text.size(), std::size_t{1} << 20);
-  WriteFile(dir / "big.s", text);
-  FileLoad load;
-  load.Load(dir / "big.s");
-  EXPECT_TRUE(load.platform.messages.empty()) << load.report.line;
-  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), load.m.Buffer.data()));
-}
-
 fs::path FindTool(const std::string& name) {
   const char* path = std::getenv("PATH");
   std::stringstream dirs(path ? path : "");
@@ -123,26 +77,37 @@ struct PeerCase {
   std::vector<std::string> args;  // behind the tool, with IN and OUT as placeholders
   Address base;
   std::size_t size;
-  const char* message;  // "" when the load must give the binary's bytes
+  const char* message;  // "" when the load must go through
+  std::uint64_t line;   // the line of the message
+  bool bytesLoaded;     // the image holds the binary afterwards; else it is untouched
 };
 
 TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
   const PeerCase cases[] = {
-      {"srec_cat", {"IN", "-binary", "-offset", "0x10000", "-o", "OUT.hex", "-intel", "-crlf"}, 0x10000, 0x30000, ""},
-      {"srec_cat", {"IN", "-binary", "-o", "OUT.s", "-motorola", "-address-length=2", "-crlf"}, 0, 0xF000, ""},
+      {"srec_cat", {"IN", "-binary", "-offset", "0x10000", "-o", "OUT.hex", "-intel", "-crlf"}, 0x10000, 0x30000, "",
+       0, true},
+      {"srec_cat", {"IN", "-binary", "-o", "OUT.s", "-motorola", "-address-length=2", "-crlf"}, 0, 0xF000, "", 0,
+       true},
       {"srec_cat", {"IN", "-binary", "-offset", "0x10000", "-o", "OUT.s", "-motorola", "-address-length=3", "-crlf"},
-       0x10000, 0x30000, ""},
+       0x10000, 0x30000, "", 0, true},
       {"srec_cat", {"IN", "-binary", "-offset", "0x10000", "-o", "OUT.s", "-motorola", "-address-length=4", "-crlf"},
-       0x10000, 0x30000, ""},
-      {"objcopy", {"-I", "binary", "-O", "ihex", "--change-addresses", "0x10000", "IN", "OUT.hex"}, 0x10000, 0x30000, ""},
-      {"objcopy", {"-I", "binary", "-O", "srec", "--change-addresses", "0x10000", "IN", "OUT.s"}, 0x10000, 0x30000, ""},
-      {"objcopy", {"-I", "binary", "-O", "srec", "--srec-forceS3", "IN", "OUT.mot"}, 0, 0x20000, ""},
-      {"objcopy", {"-I", "binary", "-O", "srec", "--srec-len=64", "IN", "OUT.s"}, 0, 0xF000, ""},
+       0x10000, 0x30000, "", 0, true},
+      {"objcopy", {"-I", "binary", "-O", "ihex", "--change-addresses", "0x10000", "IN", "OUT.hex"}, 0x10000, 0x30000,
+       "", 0, true},
+      {"objcopy", {"-I", "binary", "-O", "srec", "--change-addresses", "0x10000", "IN", "OUT.s"}, 0x10000, 0x30000,
+       "", 0, true},
+      {"objcopy", {"-I", "binary", "-O", "srec", "--srec-forceS3", "IN", "OUT.mot"}, 0, 0x20000, "", 0, true},
+      {"objcopy", {"-I", "binary", "-O", "srec", "--srec-len=64", "IN", "OUT.s"}, 0, 0xF000, "", 0, true},
+      // Past 65535 data records srec_cat counts them in an S6 record, a type
+      // the reader refuses: every byte is in by then. One byte a record
+      // makes a file of several reading blocks.
+      {"srec_cat", {"IN", "-binary", "-o", "OUT.s", "-motorola", "-obs=1", "-crlf"}, 0, 0x20000, "Format Error",
+       0x20002, true},
       // Without -crlf srec_cat ends its lines with a lone LF, which ends no
       // line here: a HEX file is one line too long; an S file is one line
       // that begins with its S0 header and is passed over whole.
-      {"srec_cat", {"IN", "-binary", "-o", "OUT.hex", "-intel"}, 0, 0x1000, "Format Error"},
-      {"srec_cat", {"IN", "-binary", "-o", "OUT.s", "-motorola"}, 0, 0x1000, "nothing"},
+      {"srec_cat", {"IN", "-binary", "-o", "OUT.hex", "-intel"}, 0, 0x1000, "Format Error", 1, false},
+      {"srec_cat", {"IN", "-binary", "-o", "OUT.s", "-motorola"}, 0, 0x1000, "", 0, false},
   };
   unsigned seed = 1;
   for (const auto& c : cases) {
@@ -170,17 +135,12 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
     FileLoad load;
     load.Load(out);
     const std::string message = c.message;
-    if (message == "nothing") {
-      EXPECT_TRUE(load.platform.messages.empty());
+    EXPECT_EQ(load.platform.Texts(), message.empty() ? std::vector<std::string>{} : std::vector<std::string>{message});
+    EXPECT_EQ(load.report.line, c.line);
+    if (!c.bytesLoaded) {
       EXPECT_TRUE(load.Untouched());
       continue;
     }
-    if (!message.empty()) {
-      EXPECT_EQ(load.platform.Texts(), std::vector<std::string>{message});
-      EXPECT_EQ(load.report.line, 1u);
-      continue;
-    }
-    EXPECT_TRUE(load.platform.messages.empty()) << load.platform.Texts().front();
     std::size_t wrong = 0;
     for (Address a = 0; a <= kImageLast; ++a) {
       const bool inside = a >= c.base && a < c.base + static_cast<Address>(c.size);

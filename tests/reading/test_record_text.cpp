@@ -31,31 +31,5 @@ TEST(DecodePairs, AgreesWithTheDigitTableForEveryCharacter) {
   }
 }
 
-TEST(ClipRecord, KeepsThePartInTheRange) {
-  const struct {
-    Address first, n, loadFirst, loadLast;
-    bool passedOver;
-    Address from, to;
-  } cases[] = {
-      {0x1000, 4, 0, 0xFFFF, false, 0x1000, 0x1003},
-      {0x1000, 4, 0x1002, 0xFFFF, false, 0x1002, 0x1003},
-      {0x1000, 4, 0, 0x1001, false, 0x1000, 0x1001},
-      {0x1000, 4, 0x1004, 0xFFFF, true, 0, -1},
-      {0x1000, 4, 0, 0xFFF, true, 0, -1},
-      {0x1000, 0, 0, 0xFFFF, false, 0x1000, 0xFFF},  // nothing stored, checksum still tested
-      {0x1000, 0, 0x1000, 0xFFFF, false, 0x1000, 0xFFF},
-      {0x1000, -1, 0x1000, 0xFFFF, false, 0x1000, 0xFFE},
-      {-2, 4, 0, 0xFFFF, false, 0, 1},
-      {0x0FFE, 8, 0x1000, 0x1001, false, 0x1000, 0x1001},
-  };
-  for (const auto& c : cases) {
-    const RecordClip clip = ClipRecord(c.first, c.n, c.loadFirst, c.loadLast);
-    EXPECT_EQ(clip.passedOver, c.passedOver) << c.first << " " << c.n;
-    if (c.passedOver) continue;
-    EXPECT_EQ(clip.first, c.from) << c.first << " " << c.n;
-    EXPECT_EQ(clip.last, c.to) << c.first << " " << c.n;
-  }
-}
-
 }  // namespace
 }  // namespace kestrum
