@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,13 @@ struct LoadCase {
   Address last = kImageLast;
   Address offset = 0;
 };
+
+// The lines, each with the line end behind it.
+inline std::string Lines(std::initializer_list<std::string> lines, const char* end = "\r\n") {
+  std::string text;
+  for (const auto& l : lines) text += l + end;
+  return text;
+}
 
 // Loads c.file under bareName into a fresh FF image and checks the image
 // byte for byte, the messages, FileError and the report.

@@ -8,12 +8,6 @@ const std::string kRecord = ":0410000001020304E2";  // 01 02 03 04 at 1000
 const std::string kBadSum = ":0410000001020304E3";
 const std::string kNext = ":0410100005060708C2";    // 05 06 07 08 at 1010
 
-std::string Lines(std::initializer_list<std::string> lines, const char* end = "\r\n") {
-  std::string text;
-  for (const auto& l : lines) text += l + end;
-  return text;
-}
-
 TEST(HexReader, RecordsAsTheTablesTell) {
   const LoadCase cases[] = {
       {"data record", Lines({kRecord}), {{0x1000, {1, 2, 3, 4}}}},

@@ -7,12 +7,6 @@ const std::string kRecord = "S107100001020304DE";  // 01 02 03 04 at 1000
 const std::string kBadSum = "S107100001020304DF";
 const std::string kNext = "S107101005060708BE";    // 05 06 07 08 at 1010
 
-std::string Lines(std::initializer_list<std::string> lines, const char* end = "\r\n") {
-  std::string text;
-  for (const auto& l : lines) text += l + end;
-  return text;
-}
-
 TEST(SReader, RecordsAsTheTablesTell) {
   const LoadCase cases[] = {
       {"S1 record", Lines({kRecord}), {{0x1000, {1, 2, 3, 4}}}},
