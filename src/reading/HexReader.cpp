@@ -1,7 +1,5 @@
 #include "reading/HexReader.h"
 
-#include <cstring>
-
 namespace kestrum {
 
 namespace {
@@ -16,8 +14,6 @@ constexpr std::uint64_t kFrameLength = 11;  // mark, count, address, type, check
 constexpr int kData = 0x00;
 constexpr int kExtendedSegment = 0x02;
 constexpr int kExtendedLinear = 0x04;
-
-constexpr int kMaxCount = 255;
 
 int ChecksumOf(int sum) { return (256 - (sum & 0xFF)) & 0xFF; }
 
@@ -54,13 +50,8 @@ RecordStatus HexReader::DataRecord(Module1& m, std::string_view text, int count,
   const RecordClip clip = ClipRecord(record, count, LoadFirst, LoadLast);
   if (clip.passedOver) return RecordStatus::Ok;
 
-  const char* data = text.data() + kDataColumn - 1;
-  std::uint8_t bytes[kMaxCount];
-  const int dataSum = DecodePairs(data, static_cast<std::size_t>(count), bytes);
-  if (dataSum < 0) return StoreUpToBadDigit(m, data, record, clip);
-  if (clip.last >= clip.first) {
-    std::memcpy(&m.At(clip.first), bytes + (clip.first - record), static_cast<std::size_t>(clip.last - clip.first + 1));
-  }
+  const int dataSum = StoreData(m, text.data() + kDataColumn - 1, static_cast<std::size_t>(count), record, clip);
+  if (dataSum < 0) return RecordStatus::FormatError;
   const int sum = count + high + low + kData + dataSum;
   return ChecksumOf(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
 }

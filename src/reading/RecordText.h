@@ -60,8 +60,9 @@ inline bool DecodeEight(const char* text, std::uint32_t& bytes) {
 }  // namespace detail
 
 // Reads count pairs from text into out and gives the sum of their values,
-// or -1 when one of them is not a pair of hexadecimal digits (out then
-// holds nothing of use).
+// or -1 when one of them is not a pair of hexadecimal digits. Pairs are
+// written in order, so that out then holds no byte of the bad pair or
+// behind it.
 inline int DecodePairs(const char* text, std::size_t count, std::uint8_t* out) {
   int sum = 0;
   std::size_t i = 0;
@@ -118,5 +119,25 @@ inline RecordClip ClipRecord(Address first, Address n, Address LoadFirst, Addres
 // the load there. A bad digit outside the clip is met only by the checksum
 // test, after all of clip is stored.
 RecordStatus StoreUpToBadDigit(Module1& m, const char* data, Address record, const RecordClip& clip);
+
+// Stores the data of a record that clip does not pass over and gives the
+// sum of all its count data bytes, or -1 for a bad digit, once the bytes
+// that lie before it in clip are stored.
+inline int StoreData(Module1& m, const char* data, std::size_t count, Address record, const RecordClip& clip) {
+  if (count > 0 && clip.first == record && clip.last == record + static_cast<Address>(count) - 1) {
+    const int sum = DecodePairs(data, count, &m.At(record));
+    if (sum >= 0) return sum;
+  } else {
+    std::uint8_t bytes[255];
+    const int sum = DecodePairs(data, count, bytes);
+    if (sum >= 0) {
+      if (clip.last >= clip.first)
+        std::memcpy(&m.At(clip.first), bytes + (clip.first - record), static_cast<std::size_t>(clip.last - clip.first + 1));
+      return sum;
+    }
+  }
+  StoreUpToBadDigit(m, data, record, clip);
+  return -1;
+}
 
 }  // namespace kestrum

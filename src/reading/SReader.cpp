@@ -61,25 +61,36 @@ RecordStatus LoadSRecord(Module1& m, int K, const Line& line, Address LoadFirst,
   if (line.length != kFrameLength + 2 * static_cast<std::uint64_t>(count) || !line.Whole())
     return RecordStatus::FormatError;
 
-  // The count, the address and the data, all summed by the checksum test.
+  // The count and the address, then the data: all summed by the checksum test.
   const char* pairs = text.data() + kCountColumn - 1;
-  std::uint8_t bytes[kMaxCount];
-  const int sum = DecodePairs(pairs, static_cast<std::size_t>(count), bytes);
+  const int headerPairs = K + 2;
+  std::uint8_t header[5];
+  const int headerSum = count >= headerPairs ? DecodePairs(pairs, static_cast<std::size_t>(headerPairs), header) : -1;
   Address address = 0;
-  if (sum >= 0 && count >= K + 2) {
-    for (int i = 1; i <= K + 1; ++i) address = address * 256 + bytes[i];
+  if (headerSum >= 0) {
+    for (int i = 1; i < headerPairs; ++i) address = address * 256 + header[i];
   } else {
     address = RecordAddress(text, K);
   }
   const Address record = address + m.LoadOffset;
-  const Address n = count - K - 2;
+  const Address n = count - headerPairs;
   const RecordClip clip = ClipRecord(record, n, LoadFirst, LoadLast);
   if (clip.passedOver) return RecordStatus::Ok;
 
-  if (sum < 0) return StoreUpToBadDigit(m, n > 0 ? pairs + 2 * (K + 2) : pairs, record, clip);
-  if (clip.last >= clip.first) {
-    std::memcpy(&m.At(clip.first), bytes + (K + 2) + (clip.first - record),
-                static_cast<std::size_t>(clip.last - clip.first + 1));
+  int sum = -1;
+  if (headerSum >= 0) {
+    const int dataSum = StoreData(m, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
+    if (dataSum < 0) return RecordStatus::FormatError;
+    sum = headerSum + dataSum;
+  } else {
+    // A record too short for its address, or a bad digit in the count or
+    // address: that one is met by the checksum test, after the stores.
+    std::uint8_t bytes[kMaxCount];
+    sum = DecodePairs(pairs, static_cast<std::size_t>(count), bytes);
+    if (sum < 0) {
+      if (n > 0) StoreData(m, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
+      return RecordStatus::FormatError;
+    }
   }
   const int checksum = HexPairAt(text, text.size() - 1);
   if (checksum < 0) return RecordStatus::FormatError;
