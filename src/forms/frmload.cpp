@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QPushButton>
 #include <QScreen>
+#include <algorithm>
 
 #include "forms/Dialogs.h"
 #include "forms/FileLists.h"
@@ -25,6 +26,8 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   Text4_ = MakeChild<QLineEdit>(this, "Text4", Twips(2280, 3045, 1005, 285));
   Text3_ = MakeChild<QLineEdit>(this, "Text3", Twips(2280, 3510, 1005, 315));
   Check1_ = MakeChild<QCheckBox>(this, "Check1", Twips(705, 4005, 1455, 360), QStringLiteral("OffsetAddress"));
+  // The design width is a minimum: the caption is never clipped by it.
+  Check1_->resize(std::max(Check1_->width(), Check1_->sizeHint().width()), Check1_->height());
   Text2_ = MakeChild<QLineEdit>(this, "Text2", Twips(2175, 4020, 1110, 315));
   Text2_->setText(QStringLiteral("0"));
   Command1_ = MakeChild<QPushButton>(this, "Command1", Twips(3960, 3300, 1125, 390), QStringLiteral("Load"));
