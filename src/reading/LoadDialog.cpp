@@ -4,6 +4,8 @@
 
 #include "bufferops/ClearBuffer.h"
 
+#include "image/Paths.h"
+
 namespace kestrum {
 
 namespace {
@@ -19,8 +21,6 @@ bool Refuse(Platform& platform, LoadReport* report, const std::string& message) 
   }
   return false;
 }
-
-bool IsSeparator(char c) { return c == '/' || c == std::filesystem::path::preferred_separator; }
 
 }  // namespace
 
@@ -51,17 +51,12 @@ bool JudgeOffsetText(const std::string& text, std::string& digits, bool& negativ
   return true;
 }
 
-std::string JoinLoadPath(const std::string& folder, const std::string& name) {
-  if (folder.empty() || IsSeparator(folder.back())) return folder + name;
-  return folder + static_cast<char>(std::filesystem::path::preferred_separator) + name;
-}
-
 bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore& store, LoadReport* report) {
   if (f.Text1.empty()) return Refuse(platform, report, "Select File Name!");
   if (f.Text4.empty()) return Refuse(platform, report, "First Address Error!");
   if (f.Text3.empty()) return Refuse(platform, report, "Last Address Error!");
   if (f.Check1 && f.Text2.empty()) return Refuse(platform, report, "Offset Address Error!");
-  m.LoadFileName = JoinLoadPath(f.Dir1, f.File1);
+  m.LoadFileName = JoinPath(f.Dir1, f.File1);
 
   std::string offsetDigits;
   bool negative = false;

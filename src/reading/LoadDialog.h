@@ -39,10 +39,6 @@ void cmdload_Click(LoadFields& f, SettingsStore& store);
 // for a text the dialog refuses with "OffsetAddress Error!".
 bool JudgeOffsetText(const std::string& text, std::string& digits, bool& negative);
 
-// The folder, the platform's separator unless the folder ends with one (a
-// root does), and the name.
-std::string JoinLoadPath(const std::string& folder, const std::string& name);
-
 // The Load button. Stops at the first bad field with its message; else
 // loads with the hourglass showing, and when the load went through puts the
 // file's name in the main window, says "Load Complete!", keeps the range,

@@ -6,15 +6,15 @@
 #include "image/Address.h"
 #include "writing/Writers.h"
 
+#include "image/Paths.h"
+
 namespace kestrum {
 
 namespace {
 
 #ifdef _WIN32
-constexpr char kSeparator = '\\';
 constexpr std::string_view kFolderMarks = "\\/:";
 #else
-constexpr char kSeparator = '/';
 constexpr std::string_view kFolderMarks = "/";
 #endif
 
@@ -27,12 +27,6 @@ int IndexOf(const std::vector<std::string>& items, const std::string& text) {
   for (std::size_t i = 0; i < items.size(); ++i)
     if (EqualsIgnoreCase(items[i], text)) return static_cast<int>(i);
   return -1;
-}
-
-std::string JoinPath(const std::string& dir, const std::string& name) {
-  if (dir.empty()) return name;
-  if (dir.back() == kSeparator || dir.back() == '/') return dir + name;
-  return dir + kSeparator + name;
 }
 
 std::string DropLast(const std::string& text, std::size_t count) {
