@@ -28,7 +28,10 @@ std::string StepUsage(const StepSpec& spec) {
   std::string usage = spec.name;
   for (const auto& a : spec.args) usage += " " + a;
   if (!spec.optionalArg.empty()) usage += " [" + spec.optionalArg + "]";
-  for (const auto& o : spec.options) usage += " [" + o.name + " " + o.valueName + "]";
+  for (const auto& o : spec.options) {
+    const std::string option = o.name + " " + o.valueName;
+    usage += o.required ? " " + option : " [" + option + "]";
+  }
   return usage;
 }
 

@@ -37,6 +37,7 @@ using StepRunner = int (*)(CliContext&, const Step&);
 struct OptionSpec {
   std::string name;  // with its leading "--"
   std::string valueName;
+  bool required = false;
 };
 
 struct StepSpec {

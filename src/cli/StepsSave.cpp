@@ -45,7 +45,6 @@ int Failed(CliContext& ctx, SaveOutcome outcome) {
 }
 
 int RunSave(CliContext& ctx, const Step& step) {
-  if (!step.Has("--format")) return Fail(ctx, kUsage, "save needs --format bin|hex|s");
   const std::string format = step.Option("--format");
   const bool bin = EqualsIgnoreCase(format, "bin");
   Address length = 0x10;
@@ -75,7 +74,6 @@ int RunSave(CliContext& ctx, const Step& step) {
 }
 
 int RunYsm(CliContext& ctx, const Step& step) {
-  if (!step.Has("--sum")) return Fail(ctx, kUsage, "ysm needs --sum 8-8|8-16|16-16");
   const RangeCheck range = CheckRange(ctx, step, true);
   if (range.status != kOk) return range.status;
   const std::string sum = step.Option("--sum");
@@ -101,14 +99,14 @@ std::vector<StepSpec> SaveSteps() {
       {"save",
        {"FILE"},
        {},
-       {{"--format", "bin|hex|s"}, {"--range", "FIRST:LAST"}, {"--record-length", "HEX"}},
+       {{"--format", "bin|hex|s", true}, {"--range", "FIRST:LAST"}, {"--record-length", "HEX"}},
        "writes exactly FILE in the format, over the range (the area by default), HEX and S records of "
        "--record-length bytes (10 by default); an existing file is replaced whole (File Save)",
        RunSave},
       {"ysm",
        {"FILE"},
        {},
-       {{"--sum", "8-8|8-16|16-16"}, {"--range", "FIRST:LAST"}},
+       {{"--sum", "8-8|8-16|16-16", true}, {"--range", "FIRST:LAST"}},
        "writes the three-line YSM file with the chosen sum of the range, the area by default (File Save)",
        RunYsm},
   };

@@ -112,6 +112,8 @@ int Parse(const std::vector<std::string>& words, Call& call) {
       step.options[name] = words[i + 1];
       i += 2;
     }
+    for (const auto& o : spec->options)
+      if (o.required && !step.Has(o.name)) return Usage(spec->name + " needs " + o.name + " " + o.valueName);
     call.steps.push_back(std::move(step));
   }
   return -1;
