@@ -6,21 +6,21 @@
 namespace kestrum {
 namespace {
 
-using test::ScriptedPlatform;
-
 // Area 1000..1FFF with a byte per address, so that every change shows.
 Module1 Patterned() {
   Module1 m = test::MakeImage(0x1000, 0x1FFF);
   for (Address a = m.BufFirst; a <= m.BufLast; ++a) m.At(a) = static_cast<std::uint8_t>(a * 7);
+  m.frmsumtool.Text1 = "app.hex";
+  m.frmsumtool.List1 = {"row"};
+  m.frmsumtool.cmdeditplusEnabled = m.frmsumtool.cmdeditminusEnabled = true;
   return m;
 }
 
 TEST(StoreBlock, FillsTheRangeAndWrapsPastTheEnd) {
-  struct Case {
+  const struct {
     Address first, last;
     std::vector<std::pair<Address, Address>> stored;  // inclusive stretches
-  };
-  const Case cases[] = {
+  } cases[] = {
       {0x1234, 0x1234, {{0x1234, 0x1234}}},
       {0x1000, 0x1FFF, {{0x1000, 0x1FFF}}},
       {0x1FF0, 0x100F, {{0x1FF0, 0x1FFF}, {0x1000, 0x100F}}},
@@ -48,13 +48,12 @@ TEST(StoreDataValue, ReadsTheLeadingDigitsOfAByte) {
   for (const auto& [text, value] : cases) EXPECT_EQ(StoreDataValue(text), value) << '"' << text << '"';
 }
 
-TEST(StoreButton, RefusesWithTheFirstBadFieldAndChangesNothing) {
-  struct Case {
+TEST(StoreButton, StoresOrRefusesWithTheFirstBadField) {
+  const struct {
     StoreFields in;
     const char *message, *shown1, *shown2;
-  };
-  // Area 00001000..00001FFF.
-  const Case cases[] = {
+  } cases[] = {
+      {{"1000", "1FFF", "A."}, "Block Store Complete!", "00001000", "00001FFF"},
       {{"", "", ""}, "First Address Error!", "", ""},
       {{"1000", "", ""}, "Last Address Error!", "1000", ""},
       {{"1000", "1FFF", ""}, "Data Error!", "1000", "1FFF"},
@@ -66,31 +65,27 @@ TEST(StoreButton, RefusesWithTheFirstBadFieldAndChangesNothing) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.in.Text1 + ".." + c.in.Text2 + " " + c.in.Text3);
     Module1 m = Patterned();
-    m.frmsumtool.List1 = {"row"};
-    const SumToolFields window = m.frmsumtool;
-    ScriptedPlatform platform;
+    SumToolFields window = m.frmsumtool;
+    test::ScriptedPlatform platform;
     MemorySettings store;
     StoreFields f = c.in;
-    EXPECT_FALSE(Command2_Click(f, m, platform, store));
-    EXPECT_EQ(platform.messages, (std::vector<test::Message>{{c.message, vbOKOnly, ""}}));
+    const bool stored = std::string(c.message) == "Block Store Complete!";
+    EXPECT_EQ(Command2_Click(f, m, platform, store), stored);
     EXPECT_EQ(f, (StoreFields{c.shown1, c.shown2, c.in.Text3}));
+    EXPECT_EQ(platform.messages, (std::vector<test::Message>{{c.message, vbOKOnly, ""}}));
+    if (stored) {
+      window.List1.clear();  // the file name stays, the dump goes
+      window.cmdeditplusEnabled = window.cmdeditminusEnabled = false;
+      EXPECT_EQ(platform.pointers, (std::vector<int>{vbHourglass, vbDefault}));
+      EXPECT_EQ(m.At(0x1ABC), 0x0A);
+      EXPECT_EQ(store.Read(kAddress, "storedata", "?"), c.in.Text3);
+    } else {
+      EXPECT_TRUE(platform.pointers.empty());
+      EXPECT_TRUE(store.values.empty());
+      EXPECT_EQ(m.At(0x1001), 0x07);
+    }
     EXPECT_EQ(m.frmsumtool, window);
-    EXPECT_TRUE(store.values.empty());
-    EXPECT_TRUE(platform.pointers.empty());
-    EXPECT_EQ(m.At(0x1001), 0x07);  // untouched
   }
-}
-
-TEST(StoreButton, KeepsTheFileNameAndTheTypedData) {
-  Module1 m = Patterned();
-  m.frmsumtool.Text1 = "app.hex";
-  ScriptedPlatform platform;
-  MemorySettings store;
-  StoreFields f{"1000", "1FFF", "A."};
-  ASSERT_TRUE(Command2_Click(f, m, platform, store));
-  EXPECT_EQ(m.At(0x1ABC), 0x0A);
-  EXPECT_EQ(m.frmsumtool.Text1, "app.hex");
-  EXPECT_EQ(store.Read(kAddress, "storedata", "?"), "A.");
 }
 
 }  // namespace

@@ -11,33 +11,31 @@ namespace {
 using test::MakeImage;
 using test::ScriptedPlatform;
 
-// The sums as a walk over the words gives them: an odd first byte is the
-// low half of a word, an even last byte the high half.
-Sums ReferenceSums(const Module1& m, Address first, Address last) {
-  int acc8 = 0, acc16 = 0;
-  Address a = first;
-  if (a % 2 == 1) acc8 = acc16 = m.At(a++);
-  for (; a <= last; a += 2) {
-    const int b0 = m.At(a), b1 = a == last ? 0 : m.At(a + 1);
-    acc8 = (acc8 + b0 + b1) % 65536;
-    acc16 = (acc16 + b0 * 256 + b1) % 65536;
-  }
-  return Sums{acc8 % 256, acc8, acc16};
-}
-
-TEST(Calculate, WorkedNumbers) {
-  struct Case {
+TEST(Calculate, WorkedNumbersWrapsAndHalfWords) {
+  const struct {
+    Address bufFirst, bufLast;
     const char *first, *last, *results;
+  } cases[] = {
+      // 12 34 56 78 9A BC DE F0 at 00001000.
+      {0, 0x7FFFF, "00001000", "00001005", "6A 026A 0368"},
+      {0, 0x7FFFF, "00001001", "00001006", "36 0336 CF68"},
+      {0, 0x7FFFF, "00001001", "00001001", "34 0034 0034"},
+      {0, 0x7FFFF, "00001002", "00001002", "56 0056 5600"},
+      {0, 0x7FFFF, "00001003", "00001004", "12 0112 9A78"},
+      {0, 0x7FFFF, "1000", "1007", "38 0438 E258"},
+      // All FF, and 77 in the spare element above the area.
+      {0, 0x7FFFF, "2000", "20FF", "00 FF00 FF80"},
+      {0x10000, 0x8FFFF, "10000", "8FFFF", "00 0000 0000"},
+      {0x2001, 0x2100, "2001", "2100", "00 FF00 FF80"},  // half words at both ends of the area
+      {0x2001, 0x2100, "2100", "2100", "FF 00FF FF00"},  // an even last byte at the end of the area
+      {0x80000001, 0x80000004, "80000001", "80000004", "FC 03FC FFFE"},
   };
-  const Case cases[] = {
-      {"00001000", "00001005", "6A 026A 0368"}, {"00001001", "00001006", "36 0336 CF68"},
-      {"00001001", "00001001", "34 0034 0034"}, {"00001002", "00001002", "56 0056 5600"},
-      {"00001003", "00001004", "12 0112 9A78"}, {"1000", "1007", "38 0438 E258"},
-  };
-  Module1 m = MakeImage();
   const std::uint8_t bytes[] = {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0};
-  for (int i = 0; i < 8; ++i) m.At(0x1000 + i) = bytes[i];
   for (const auto& c : cases) {
+    Module1 m = MakeImage(c.bufFirst, c.bufLast);
+    m.Buffer[static_cast<std::size_t>(m.BufSize)] = 0x77;
+    if (c.bufFirst == 0)
+      for (int i = 0; i < 8; ++i) m.At(0x1000 + i) = bytes[i];
     ScriptedPlatform platform;
     SumFields f{.Text6 = c.first, .Text7 = c.last};
     ASSERT_TRUE(Command1_Click(f, m, platform));
@@ -46,29 +44,10 @@ TEST(Calculate, WorkedNumbers) {
   }
 }
 
-TEST(SumRange, WrapsAndReadsNothingOutsideTheRange) {
-  struct Case {
-    const char* name;
-    Address bufFirst, bufLast, first, last;
-    Sums sums;
-  };
-  // All FF; the spare element above the area holds 77.
-  const Case cases[] = {
-      {"256 bytes from an even address", 0, 0x7FFFF, 0x1000, 0x10FF, {0x00, 0xFF00, 0xFF80}},
-      {"the whole default area", 0, 0x7FFFF, 0, 0x7FFFF, {0x00, 0x0000, 0x0000}},
-      {"half words at both ends of the area", 0x2001, 0x2100, 0x2001, 0x2100, {0x00, 0xFF00, 0xFF80}},
-      {"an even last byte at the end of the area", 0x2001, 0x2100, 0x2100, 0x2100, {0xFF, 0x00FF, 0xFF00}},
-  };
-  for (const auto& c : cases) {
-    Module1 m = MakeImage(c.bufFirst, c.bufLast);
-    m.Buffer[static_cast<std::size_t>(m.BufSize)] = 0x77;
-    EXPECT_EQ(SumRange(m, c.first, c.last), c.sums) << c.name;
-  }
-}
-
-TEST(SumRange, AgreesWithTheWalkOverRandomRanges) {
-  // Across 80000000, so that the odd test meets addresses above 31 bits.
-  Module1 m = MakeImage(0x7FFFF000, 0x80007FFF);
+// Over random ranges of random bytes the sums are those of a walk over the
+// big-endian words: an odd first byte is a low half, an even last byte a high half.
+TEST(SumRange, AgreesWithTheWalkOverTheWords) {
+  Module1 m = MakeImage(0x7FFFF000, 0x80007FFF);  // across 80000000 and many blocks
   std::mt19937 random(12345);
   for (Address i = 0; i < m.BufSize; ++i)
     m.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(random());
@@ -77,16 +56,24 @@ TEST(SumRange, AgreesWithTheWalkOverRandomRanges) {
     Address a = m.BufFirst + offset(random), b = m.BufFirst + offset(random);
     if (a > b) std::swap(a, b);
     if (round % 3 == 0) b = std::min(m.BufLast, a + static_cast<Address>(random() % 40));
-    ASSERT_EQ(SumRange(m, a, b), ReferenceSums(m, a, b)) << AddressToText(a) << ".." << AddressToText(b);
+    int acc8 = 0, acc16 = 0;
+    Address at = a;
+    if (at % 2 == 1) acc8 = acc16 = m.At(at++);
+    for (; at <= b; at += 2) {
+      const int high = m.At(at), low = at == b ? 0 : m.At(at + 1);
+      acc8 = (acc8 + high + low) % 65536;
+      acc16 = (acc16 + high * 256 + low) % 65536;
+    }
+    ASSERT_EQ(SumRange(m, a, b), (Sums{acc8 % 256, acc8, acc16}))
+        << AddressToText(a) << ".." << AddressToText(b);
   }
 }
 
 TEST(Calculate, ChecksInOrderAndKeepsTheLastResults) {
-  struct Case {
+  const struct {
     const char *text6, *text7, *message, *shown6, *shown7;
-  };
-  // Area 00001000..00001FFF.
-  const Case cases[] = {
+  } cases[] = {
+      // Area 00001000..00001FFF.
       {"", "", "First Address Error!", "", ""},
       {"1000", "", "Last Address Error!", "1000", ""},
       {"FFF", "1FFF", "First Address Error!", "00000FFF", "00001FFF"},

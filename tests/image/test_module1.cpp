@@ -92,12 +92,12 @@ TEST(KeyFilters, PassChangeOrSwallow) {
       {"", -5, 0, 0, 0},
       {"", '-', 0, 0, '-'},
       {"", '+', 0, 0, '+'},
-      {"12", '3', '3', 0, '3'},           // the byte field holds two digits
-      {"1234567", '8', '8', 0, '8'},      // the eighth digit goes in
-      {"12345678", 'c', 0, 0, 'C'},       // the ninth only into the offset field
+      {"12", '3', '3', 0, '3'},       // the byte field holds two digits
+      {"1234567", '8', '8', 0, '8'},  // the eighth digit goes in
+      {"12345678", 'c', 0, 0, 'C'},   // the ninth only into the offset field
       {"-12345678", '1', 0, 0, 0},
-      {"12345678", 8, 8, 8, 8},           // Backspace at any length
-      {"12345678", '%', '%', '%', '%'},   // %, ' and . pass at any length
+      {"12345678", 8, 8, 8, 8},          // Backspace at any length
+      {"12345678", '%', '%', '%', '%'},  // %, ' and . pass at any length
       {"12345678", '\'', '\'', '\'', '\''},
       {"123456789", '.', '.', '.', '.'},
   };
