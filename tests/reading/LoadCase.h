@@ -51,14 +51,17 @@ inline void CheckLoad(const LoadCase& c, const std::string& bareName) {
 
   std::vector<std::uint8_t> expected(static_cast<std::size_t>(kImageLast + 1), 0xFF);
   for (const Bytes& b : c.stored)
-    for (std::size_t i = 0; i < b.values.size(); ++i) expected[static_cast<std::size_t>(b.address) + i] = b.values[i];
+    for (std::size_t i = 0; i < b.values.size(); ++i)
+      expected[static_cast<std::size_t>(b.address) + i] = b.values[i];
   std::size_t wrong = 0;
   for (std::size_t i = 0; i < expected.size(); ++i) {
     if (m.Buffer[i] != expected[i] && wrong++ < 8)
-      ADD_FAILURE() << "byte at " << std::hex << i << " is " << int(m.Buffer[i]) << ", not " << int(expected[i]);
+      ADD_FAILURE() << "byte at " << std::hex << i << " is " << int(m.Buffer[i]) << ", not "
+                    << int(expected[i]);
   }
   const std::string message = c.message;
-  EXPECT_EQ(platform.Texts(), message.empty() ? std::vector<std::string>{} : std::vector<std::string>{message});
+  EXPECT_EQ(platform.Texts(),
+            message.empty() ? std::vector<std::string>{} : std::vector<std::string>{message});
   EXPECT_EQ(m.FileError, message.empty() ? 0 : -1);
   EXPECT_EQ(report.Loaded(), message.empty());
   EXPECT_EQ(report.line, c.line);

