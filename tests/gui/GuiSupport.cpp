@@ -16,3 +16,14 @@ void TypeInto(QLineEdit* edit, const QString& text) {
 }
 
 }  // namespace kestrum::test
+
+namespace {
+
+// Runs before main constructs the application: the window tests need no
+// display unless the caller asks for a platform.
+[[maybe_unused]] const bool kPlatformChosen = [] {
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  return true;
+}();
+
+}  // namespace
