@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QStorageInfo>
 #include <QStyle>
 #include <algorithm>
@@ -159,6 +160,15 @@ void DirListBox::Refresh() {
   for (const QString& child : children) add(closed, static_cast<int>(chain.size()), child, JoinPath(path_, child));
 }
 
+void DirListBox::keyPressEvent(QKeyEvent* event) {
+  if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentItem()) {
+    Open(currentItem());
+    event->accept();
+    return;
+  }
+  QListWidget::keyPressEvent(event);
+}
+
 void DirListBox::Open(QListWidgetItem* item) {
   if (!item) return;
   if (!SetPath(item->data(kPathRole).toString())) QApplication::beep();
@@ -193,6 +203,14 @@ void FileListBox::Refresh() {
 QString FileListBox::FileName() const {
   const QList<QListWidgetItem*> picked = selectedItems();
   return picked.isEmpty() ? QString() : picked.front()->text();
+}
+
+bool FileListBox::Pick(const QString& name) {
+  const QList<QListWidgetItem*> found = findItems(name, Qt::MatchExactly);
+  if (found.isEmpty()) return false;
+  setCurrentItem(found.front());
+  scrollToItem(found.front());
+  return true;
 }
 
 QString FileListBox::List(int index) const {

@@ -62,6 +62,11 @@ class DirListBox : public QListWidget {
  signals:
   void Change(const QString& path);
 
+ protected:
+  // Enter opens the folder and goes no further: it is not the dialog's
+  // default button.
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   void Open(QListWidgetItem* item);
   QString path_;
@@ -79,6 +84,8 @@ class FileListBox : public QListWidget {
   void Refresh();
   // The picked name without folder, or empty when nothing is picked.
   QString FileName() const;
+  // Picks name as a click does, raising Click; false when it is not listed.
+  bool Pick(const QString& name);
   int ListCount() const { return count(); }
   QString List(int index) const;
 

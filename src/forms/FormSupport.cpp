@@ -1,8 +1,11 @@
 #include "forms/FormSupport.h"
 
+#include <QCheckBox>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QStringList>
+#include <algorithm>
 
 namespace kestrum::forms {
 
@@ -26,11 +29,71 @@ QGroupBox* MakeFrame(QWidget* parent, const char* name, const QString& caption, 
 }
 
 QFont MonoFont(double points) {
-  QFont font(QStringLiteral("Courier New"));
-  font.setStyleHint(QFont::TypeWriter);
+  QFont font;
+  font.setFamilies({QStringLiteral("Courier New"), QStringLiteral("Liberation Mono"),
+                    QStringLiteral("DejaVu Sans Mono"), QStringLiteral("Monospace")});
+  font.setStyleHint(QFont::TypeWriter, QFont::ForceOutline);
   font.setFixedPitch(true);
   font.setPointSizeF(points);
   return font;
+}
+
+namespace {
+
+constexpr int kCaptionGap = 3;  // between a caption and the control it names
+constexpr int kEdge = 2;        // kept free inside a form's or frame's edge
+
+bool IsCaption(const QWidget* w) { return qobject_cast<const QLabel*>(w) || qobject_cast<const QCheckBox*>(w); }
+
+bool SameRow(const QRect& a, const QRect& b) { return a.top() <= b.bottom() && b.top() <= a.bottom(); }
+
+}  // namespace
+
+int FitCaptions(QWidget* form) {
+  int lacking = 0;
+  for (QWidget* caption : form->findChildren<QWidget*>()) {
+    if (!IsCaption(caption) || caption->isWindow()) continue;
+    const QWidget* parent = caption->parentWidget();
+    const QSize need = caption->sizeHint();
+    QRect row = caption->geometry();
+    row.setHeight(std::max(row.height(), need.height()));
+    // Hidden controls count: they show up later in the same place.
+    int floor = kEdge;
+    int limit = parent->width() - kEdge;
+    for (const QWidget* sibling : parent->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+      if (sibling == caption || sibling->isWindow() || !SameRow(row, sibling->geometry())) continue;
+      if (sibling->x() > caption->x()) {
+        limit = std::min(limit, sibling->x() - kCaptionGap);
+      } else if (sibling->geometry().right() < caption->x()) {
+        floor = std::max(floor, sibling->geometry().right() + 1 + kCaptionGap);
+      }
+    }
+    int x = caption->x();
+    if (x + need.width() > limit) x = std::max(floor, limit - need.width());
+    lacking = std::max(lacking, x + need.width() - limit);
+    // The design width is kept where there is room for it.
+    const int width = std::max(need.width(), std::min(caption->width(), limit - x));
+    caption->setGeometry(x, caption->y(), width, row.height());
+  }
+  return lacking;
+}
+
+void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel) {
+  def->setDefault(true);
+  if (def == cancel) {
+    def->setToolTip(QStringLiteral("%1 (Enter, Esc)").arg(def->text()));
+    return;
+  }
+  def->setToolTip(QStringLiteral("%1 (Enter)").arg(def->text()));
+  cancel->setToolTip(QStringLiteral("%1 (Esc)").arg(cancel->text()));
+}
+
+QIcon AppIcon() {
+  QIcon icon;
+  for (int size : {16, 32, 48, 256}) {
+    icon.addFile(QStringLiteral(":/kestrum/kestrum-%1.png").arg(size), QSize(size, size));
+  }
+  return icon;
 }
 
 void SetClientSize(QWidget* form, int widthTwips, int heightTwips) {

@@ -3,8 +3,10 @@
 // fonts, and the key filters hooked to text boxes.
 #include <QFont>
 #include <QGroupBox>
+#include <QIcon>
 #include <QLineEdit>
 #include <QObject>
+#include <QPushButton>
 #include <QRect>
 #include <QString>
 #include <QWidget>
@@ -47,8 +49,24 @@ QWidget* MakeLabel(QWidget* parent, const char* name, const QString& caption, in
 // A frame with a blue caption.
 QGroupBox* MakeFrame(QWidget* parent, const char* name, const QString& caption, QRect place);
 
-// The monospaced font of address fields and the dump ("Courier New", 8.25 pt).
+// The monospaced font of address fields and the dump: "Courier New" at
+// 8.25 pt where the system has it, else the nearest monospaced outline font
+// (never a bitmap font, which would be scaled up on high-resolution screens).
 QFont MonoFont(double points = 8.25);
+
+// Moves each label and check box of form (at any depth) left of its design
+// place where its caption, in this system's font, would run into the
+// control to its right or out of its frame; the caption keeps its font and
+// its row. Gives the most pixels that a caption still lacks after that.
+int FitCaptions(QWidget* form);
+
+// Makes def the button of Enter and cancel the one Esc stands for (a dialog
+// rejects on Esc by itself; cancel must do no more than that), and names
+// the keys in their tool tips. def and cancel may be the same button.
+void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel);
+
+// The program's icon, from the resources.
+QIcon AppIcon();
 
 // A dialog's client area in design twips, not resizable.
 void SetClientSize(QWidget* form, int widthTwips, int heightTwips);

@@ -2,41 +2,106 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QPixmap>
 #include <QTextStream>
+#include <QWindow>
+#include <functional>
 
+#include "bufferops/Dump.h"
+#include "forms/frmbufaddr.h"
+#include "forms/frmload.h"
+#include "forms/frmsave.h"
+#include "forms/frmstore.h"
+#include "forms/frmsum.h"
 #include "forms/frmsumtool.h"
 #include "forms/frmversion.h"
+#include "reading/LoadObjectFile.h"
 
 namespace kestrum::forms {
 
 namespace {
 
-int Save(QWidget* form, const QString& dir, const QString& name) {
-  form->show();
-  QApplication::processEvents();
-  const QString path = QDir(dir).filePath(name + QStringLiteral(".png"));
-  // The frame of the window belongs to the window manager; grab the form.
-  if (form->grab().save(path)) {
-    QTextStream(stdout) << path << '\n';
-    return 0;
+// Nobody is there to answer a message box: its text goes to stderr.
+class PrintingPlatform : public Platform {
+ public:
+  int MsgBox(const std::string& text, int, const std::string&) override {
+    QTextStream(stderr) << "kestrum: " << Q(text) << '\n';
+    return vbOK;
   }
-  QTextStream(stderr) << "kestrum: cannot save " << path << '\n';
-  return 1;
+  void SetMousePointer(int) override {}
+};
+
+// Shows form and waits until the window system has put it on the screen.
+void ShowOnScreen(QWidget* form) {
+  form->show();
+  QElapsedTimer clock;
+  clock.start();
+  while (clock.elapsed() < 5000 && !(form->windowHandle() && form->windowHandle()->isExposed())) {
+    QApplication::processEvents(QEventLoop::AllEvents, 50);
+  }
+  QApplication::processEvents();
+}
+
+int Save(QWidget* form, const QString& dir) {
+  ShowOnScreen(form);
+  const QString path = QDir(dir).filePath(form->objectName() + QStringLiteral(".png"));
+  // The frame of a window belongs to the window manager; the form is grabbed.
+  const bool saved = form->grab().save(path);
+  form->hide();
+  if (!saved) {
+    QTextStream(stderr) << "kestrum: cannot save " << path << '\n';
+    return 1;
+  }
+  QTextStream(stdout) << path << '\n';
+  return 0;
+}
+
+// Loads file over the whole area and dumps its first page, as the user
+// would with File Load and Dump.
+bool LoadAndDump(Module1& m, Platform& platform, const QString& file) {
+  const QFileInfo info(file);
+  m.LoadFileName = S(info.absoluteFilePath());
+  m.LoadOffset = 0;
+  const LoadReport report = LoadObjectFile(m, platform, m.BufFirst, m.BufLast, S(info.fileName()));
+  m.FileError = 0;
+  if (!report.Loaded()) return false;
+  m.frmsumtool.Text1 = S(info.fileName());
+  cmdedit_Click(m, platform);
+  return true;
 }
 
 }  // namespace
 
-int SaveScreenshots(AppContext& ctx, const QString& dir) {
+int SaveScreenshots(const QString& dir, const QString& objectFile) {
   if (!QDir().mkpath(dir)) {
     QTextStream(stderr) << "kestrum: cannot make the folder " << dir << '\n';
     return 1;
   }
+  Module1 m;
+  PrintingPlatform platform;
+  MemorySettings store;  // a first run: the user's own store is never read
+  AppContext ctx{m, platform, store};
+
   int failures = 0;
   frmsumtool main(ctx);
-  failures += Save(&main, dir, QStringLiteral("frmsumtool"));
-  frmversion version(&main);
-  failures += Save(&version, dir, QStringLiteral("frmversion"));
+  if (!objectFile.isEmpty()) {
+    if (!LoadAndDump(m, platform, objectFile)) ++failures;
+    main.ShowFields();
+  }
+  failures += Save(&main, dir);
+  // Each dialog opens over the main window, one at a time, as from its button.
+  const std::function<QWidget*()> dialogs[] = {
+      [&] { return new frmload(ctx, &main); },  [&] { return new frmsave(ctx, &main); },
+      [&] { return new frmstore(ctx, &main); }, [&] { return new frmsum(ctx, &main); },
+      [&] { return new frmbufaddr(ctx, &main); }, [&] { return new frmversion(&main); },
+  };
+  for (const auto& make : dialogs) {
+    QWidget* dialog = make();
+    failures += Save(dialog, dir);
+    delete dialog;
+  }
   return failures;
 }
 

@@ -24,7 +24,8 @@ frmbufaddr::frmbufaddr(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(c
     box->setFont(MonoFont());
     HookKeyFilter(box, FilterAddressKey);
   }
-  Cmdok_->setDefault(true);
+  SetDefaultAndCancel(Cmdok_, Command1_);
+  FitCaptions(this);
   Text1_->setFocus();
   setTabOrder(Text1_, Text2_);
   setTabOrder(Text2_, Cmdok_);

@@ -3,8 +3,8 @@
 #include <QCheckBox>
 #include <QGuiApplication>
 #include <QPushButton>
+#include <QFileInfo>
 #include <QScreen>
-#include <algorithm>
 
 #include "forms/Dialogs.h"
 #include "forms/FileLists.h"
@@ -26,8 +26,6 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   Text4_ = MakeChild<QLineEdit>(this, "Text4", Twips(2280, 3045, 1005, 285));
   Text3_ = MakeChild<QLineEdit>(this, "Text3", Twips(2280, 3510, 1005, 315));
   Check1_ = MakeChild<QCheckBox>(this, "Check1", Twips(705, 4005, 1455, 360), QStringLiteral("OffsetAddress"));
-  // The design width is a minimum: the caption is never clipped by it.
-  Check1_->resize(std::max(Check1_->width(), Check1_->sizeHint().width()), Check1_->height());
   Text2_ = MakeChild<QLineEdit>(this, "Text2", Twips(2175, 4020, 1110, 315));
   Text2_->setText(QStringLiteral("0"));
   Command1_ = MakeChild<QPushButton>(this, "Command1", Twips(3960, 3300, 1125, 390), QStringLiteral("Load"));
@@ -41,7 +39,8 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   HookKeyFilter(Text4_, FilterAddressKey);
   HookKeyFilter(Text3_, FilterAddressKey);
   HookKeyFilter(Text2_, FilterOffsetKey);
-  Command1_->setDefault(true);
+  SetDefaultAndCancel(Command1_, Command2_);
+  FitCaptions(this);
   QWidget* order[] = {Dir1_, File1_, Text1_, Text4_, Text3_, Check1_, Text2_, Command1_, Command2_, Drive1_};
   for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
   Dir1_->setFocus();
@@ -64,6 +63,15 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   if (Q(f.Dir1) != Dir1_->Path()) Dir1_->SetPath(Q(f.Dir1));
   Check1_->setChecked(f.Check1);
   Text2_->setHidden(!f.Text2Visible);
+}
+
+void frmload::PickFile(const QString& path) {
+  const QFileInfo file(path);
+  const QString folder = NormalPath(file.absolutePath());
+  const QString drive = DriveOfPath(folder, DriveRoots());
+  if (!drive.isEmpty() && drive != Drive1_->Drive()) Drive1_->SetDrive(drive);
+  // Enter in the file list then loads the file.
+  if (Dir1_->SetPath(folder) && File1_->Pick(file.fileName())) File1_->setFocus();
 }
 
 void frmload::Check1_Click() { Text2_->setHidden(!Check1_->isChecked()); }
@@ -103,8 +111,9 @@ void frmload::Command1_Click() {
   if (close) accept();
 }
 
-void ShowFrmLoad(AppContext& ctx, QWidget* owner) {
+void ShowFrmLoad(AppContext& ctx, QWidget* owner, const QString& picked) {
   frmload dialog(ctx, owner);
+  if (!picked.isEmpty()) dialog.PickFile(picked);
   if (const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen()) {
     QRect place = dialog.frameGeometry();
     place.moveCenter(screen->availableGeometry().center());

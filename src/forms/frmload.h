@@ -23,6 +23,10 @@ class frmload : public QDialog {
  public:
   frmload(AppContext& ctx, QWidget* owner = nullptr);
 
+  // Opens the lists at the folder of path, a file's full name, and picks
+  // the file as a click on it would, leaving the focus on it.
+  void PickFile(const QString& path);
+
  private:
   void Command1_Click();
   void Check1_Click();

@@ -3,9 +3,11 @@
 #include <QComboBox>
 #include <QFrame>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <algorithm>
+#include <initializer_list>
 
 #include "forms/Dialogs.h"
 #include "forms/FileLists.h"
@@ -20,19 +22,6 @@ QComboBox* MakeList(QWidget* parent, const char* name, QRect place, const std::v
   for (const auto& item : items) combo->addItem(Q(item));
   combo->setCurrentIndex(-1);
   return combo;
-}
-
-// A caption of the design that runs into its field on this platform's
-// wider font moves left, and if need be takes a smaller font, to end just
-// before the field.
-void FitBefore(QWidget* label, int fieldLeftTwips) {
-  const int room = Px(fieldLeftTwips) - 4;
-  for (QFont font = label->font(); label->sizeHint().width() > room && font.pointSizeF() > 6;) {
-    font.setPointSizeF(font.pointSizeF() - 0.5);
-    label->setFont(font);
-  }
-  label->resize(label->sizeHint());
-  if (label->x() + label->width() > room) label->move(std::max(2, room - label->width()), label->y());
 }
 
 // A drop-down list shows the core's text when it is one of its items, else
@@ -54,19 +43,19 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   Drive2_ = MakeChild<DriveListBox>(frame1, "Drive2", Twips(300, 330, 2250, 285));
   Dir2_ = MakeChild<DirListBox>(frame1, "Dir2", Twips(300, 675, 2250, 1650));
   File2_ = MakeChild<FileListBox>(frame1, "File2", Twips(2625, 315, 3645, 1905));
-  FitBefore(MakeLabel(frame1, "Label7", QStringLiteral("FileName"), 1395, 2445), 2310);
+  MakeLabel(frame1, "Label7", QStringLiteral("FileName"), 1395, 2445);
   Text5_ = MakeChild<QLineEdit>(frame1, "Text5", Twips(2310, 2400, 2970, 285));
-  FitBefore(MakeLabel(frame1, "Label1", QStringLiteral("FileType"), 1455, 2835), 2310);
+  MakeLabel(frame1, "Label1", QStringLiteral("FileType"), 1455, 2835);
   Combo1_ = MakeList(frame1, "Combo1", Twips(2310, 2790, 2970, 315), kFileTypes);
 
   auto* frame2 = MakeFrame(this, "Frame2", QStringLiteral("File Format"), Twips(6825, 120, 2910, 2385));
-  FitBefore(MakeLabel(frame2, "Label10", QStringLiteral("Object FileFormat"), 105, 315), 1455);
+  MakeLabel(frame2, "Label10", QStringLiteral("Object FileFormat"), 105, 315);
   Combo2_ = MakeList(frame2, "Combo2", Twips(1455, 285, 1035, 315), kObjectFormats);
-  FitBefore(MakeLabel(frame2, "Label9", QStringLiteral("FirstAddress"), 375, 720), 1455);
+  MakeLabel(frame2, "Label9", QStringLiteral("FirstAddress"), 375, 720);
   Text7_ = MakeChild<QLineEdit>(frame2, "Text7", Twips(1455, 690, 1035, 285));
-  FitBefore(MakeLabel(frame2, "Label8", QStringLiteral("LastAddress"), 405, 1095), 1455);
+  MakeLabel(frame2, "Label8", QStringLiteral("LastAddress"), 405, 1095);
   Text6_ = MakeChild<QLineEdit>(frame2, "Text6", Twips(1455, 1065, 1035, 285));
-  FitBefore(MakeLabel(frame2, "Label5", QStringLiteral("RecordLength"), 255, 1455), 1455);
+  MakeLabel(frame2, "Label5", QStringLiteral("RecordLength"), 255, 1455);
   Text4_ = MakeChild<QLineEdit>(frame2, "Text4", Twips(1455, 1440, 1035, 285));
   // Two lines 15 twips apart read as one sunken separator.
   for (auto [name, top] : {std::pair{"Line2", 1830}, std::pair{"Line1", 1845}}) {
@@ -75,7 +64,7 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
     line->setFrameShadow(QFrame::Plain);
     line->setStyleSheet(top == 1830 ? QStringLiteral("color: gray;") : QStringLiteral("color: white;"));
   }
-  FitBefore(MakeLabel(frame2, "Label2", QStringLiteral("YSM File Format"), 165, 2025), 1455);
+  MakeLabel(frame2, "Label2", QStringLiteral("YSM File Format"), 165, 2025);
   Combo3_ = MakeList(frame2, "Combo3", Twips(1455, 1965, 1110, 315), kSumFormats);
 
   Command5_ = MakeChild<QPushButton>(this, "Command5", Twips(7485, 2610, 1500, 390), QStringLiteral("Save"));
@@ -85,7 +74,21 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   HookKeyFilter(Text7_, FilterAddressKey);
   HookKeyFilter(Text6_, FilterAddressKey);
   HookKeyFilter(Text4_, FilterByteKey);
-  Command5_->setDefault(true);
+  SetDefaultAndCancel(Command5_, Command2_);
+  // The format frame is narrow: where its captions lack room before the
+  // fields even at the frame's edge, the column of fields moves right into
+  // the frame's free margin.
+  const QList<QLabel*> captions = frame2->findChildren<QLabel*>();
+  QList<QPoint> designed;
+  for (const QLabel* caption : captions) designed << caption->pos();
+  if (const int lacking = FitCaptions(frame2); lacking > 0) {
+    const std::initializer_list<QWidget*> column{Combo2_, Text7_, Text6_, Text4_, Combo3_};
+    int margin = lacking;
+    for (const QWidget* field : column) margin = std::min(margin, frame2->width() - 2 - field->x() - field->width());
+    for (QWidget* field : column) field->move(field->x() + std::max(0, margin), field->y());
+    for (int i = 0; i < captions.size(); ++i) captions[i]->move(designed[i]);
+  }
+  FitCaptions(this);
   QWidget* order[] = {Dir2_,  File2_, Text5_, Combo1_,  Combo2_,   Text7_,
                       Text6_, Text4_, Combo3_, Command5_, Command2_, Drive2_};
   for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);

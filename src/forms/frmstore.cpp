@@ -26,7 +26,8 @@ frmstore::frmstore(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) 
   HookKeyFilter(Text1_, FilterAddressKey);
   HookKeyFilter(Text2_, FilterAddressKey);
   HookKeyFilter(Text3_, FilterByteKey);
-  Command2_->setDefault(true);
+  SetDefaultAndCancel(Command2_, Command1_);
+  FitCaptions(this);
   Text1_->setFocus();
   setTabOrder(Text1_, Text2_);
   setTabOrder(Text2_, Text3_);

@@ -37,7 +37,8 @@ frmsum::frmsum(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   for (auto* result : {Text1_, Text2_, Text3_}) result->setEnabled(false);
   HookKeyFilter(Text6_, FilterAddressKey);
   HookKeyFilter(Text7_, FilterAddressKey);
-  Command1_->setDefault(true);
+  SetDefaultAndCancel(Command1_, Command2_);
+  FitCaptions(this);
   Text6_->setFocus();
   setTabOrder(Text6_, Text7_);
   setTabOrder(Text7_, Command1_);

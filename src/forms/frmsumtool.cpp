@@ -1,9 +1,12 @@
 #include "forms/frmsumtool.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 
 #include "bufferops/ClearBuffer.h"
@@ -15,6 +18,16 @@
 namespace kestrum::forms {
 
 namespace {
+
+// The one local file of a drag, or empty when it carries anything else or
+// a dialog is open.
+QString DroppedFile(const QMimeData* data) {
+  if (QApplication::activeModalWidget() || !data || !data->hasUrls()) return {};
+  const QList<QUrl> urls = data->urls();
+  if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
+  const QFileInfo file(urls.front().toLocalFile());
+  return file.isFile() ? file.absoluteFilePath() : QString();
+}
 
 QLineEdit* MakeAddressBox(QWidget* parent, const char* name, QRect place) {
   auto* box = MakeChild<QLineEdit>(parent, name, place);
@@ -72,10 +85,16 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   MakeLabel(frame4, "Label3", QStringLiteral("First  Address"), 120, 310, 1035, 210);
   MakeLabel(frame4, "Label4", QStringLiteral("Last  Address"), 120, 670, 1035, 210);
 
+  cmdload_->setToolTip(QStringLiteral("File Load (Alt+F, Load)"));
+  cmdsave_->setToolTip(QStringLiteral("File Save (Alt+F, Save)"));
+  FitCaptions(client);
+
   // Focus follows the design's tab index.
   QWidget* order[] = {cmdload_, cmdsave_, cmdbufclear_, cmdblstore_, cmdbufsum_, cmdedit,
                       txteditaddr_, cmdeditplus_, cmdeditminus_, List1_};
   for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
+  cmdload_->setFocus();
+  setAcceptDrops(true);
 
   auto* mnufile = menuBar()->addMenu(QStringLiteral("File(&F)"));
   mnufile->setObjectName(QStringLiteral("mnufile"));
@@ -148,6 +167,23 @@ void frmsumtool::Exit() {
   exited_ = true;
   hide();
   QCoreApplication::exit(0);
+}
+
+void frmsumtool::dragEnterEvent(QDragEnterEvent* event) {
+  if (!DroppedFile(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void frmsumtool::dragMoveEvent(QDragMoveEvent* event) {
+  if (!DroppedFile(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void frmsumtool::dropEvent(QDropEvent* event) {
+  const QString file = DroppedFile(event->mimeData());
+  if (file.isEmpty()) return;
+  event->acceptProposedAction();
+  // The drag ends first; the dialog runs modal after it.
+  QMetaObject::invokeMethod(
+      this, [this, file] { Run([this, &file] { ShowFrmLoad(ctx_, this, file); }); }, Qt::QueuedConnection);
 }
 
 void frmsumtool::closeEvent(QCloseEvent* event) {

@@ -10,7 +10,8 @@ class QPushButton;
 namespace kestrum::forms {
 
 // The main window: file, buffer and dump operations, and the buffer area.
-// Its fields live in Module1::frmsumtool; the widgets show them.
+// Its fields live in Module1::frmsumtool; the widgets show them. A file
+// dropped on it opens File Load with that file picked.
 class frmsumtool : public QMainWindow {
   Q_OBJECT
  public:
@@ -25,6 +26,9 @@ class frmsumtool : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   // Runs a handler of the core between reading the typed field and showing

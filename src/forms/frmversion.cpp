@@ -15,8 +15,8 @@ frmversion::frmversion(QWidget* owner) : QDialog(owner) {
   MakeLabel(this, "Label1", QStringLiteral("Kestrum"), 320, 285);
   MakeLabel(this, "Label4", QStringLiteral("Version " KESTRUM_VERSION), 2370, 285);
   auto* ok = MakeChild<QPushButton>(this, "OK_Button", Twips(1290, 1470, 1335, 375), QStringLiteral("OK"));
-  ok->setDefault(true);
-  ok->setAutoDefault(true);
+  SetDefaultAndCancel(ok, ok);
+  FitCaptions(this);
   // Esc closes a QDialog by itself, which makes OK the cancel button too.
   connect(ok, &QPushButton::clicked, this, &QDialog::accept);
 }
