@@ -30,7 +30,7 @@ TEST(Cli, HelpAndVersion) {
   const Files files;
   const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{"--help"}, "Usage: kestrum-cli [--area FIRST:LAST]"},
-      {{"--version"}, "kestrum-cli 2.30"},
+      {{"--version"}, "kestrum-cli " KESTRUM_VERSION},
       {{"load", "--help"}, "Usage: kestrum-cli load FILE"},
   };
   for (const auto& [args, out] : cases) {

@@ -43,10 +43,8 @@ TEST(HexReader, RecordsAsTheTablesTell) {
       {"other type, wrong length", Lines({":0100000600"}), {}, "Format Error", 1},
       {"count 0 in range, checksum tested", Lines({":00100000F0", ":00100000F1"}), {}, "SUM Error", 2},
       {"record past FFFF does not wrap", Lines({":04FFFE0001020304F5"}), {{0xFFFE, b1234}}},
-      {"CR alone ends a line", Lines({kRecord, kNext}, "\r"), {{0x1000, b1234}, {0x1010, b5678}}},
       {"last line without an end", Lines({kRecord}) + kNext, {{0x1000, b1234}, {0x1010, b5678}}},
       {"lone LF is text", Lines({kRecord, kNext}, "\n"), {}, "Format Error", 1},
-      {"two CRs make an empty line", Lines({kRecord, kNext}, "\r\r"), {{0x1000, b1234}}, "Format Error", 2},
       // A field that is no hexadecimal number stops like a malformed line.
       {"bad count digit", Lines({":G410000001020304E2"}), {}, "Format Error", 1},
       {"bad data digit stores the bytes before it",
