@@ -3,6 +3,7 @@
 // image, the messages and the report must show afterwards.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -53,12 +54,9 @@ inline void CheckLoad(const LoadCase& c, const std::string& bareName) {
   for (const Bytes& b : c.stored)
     for (std::size_t i = 0; i < b.values.size(); ++i)
       expected[static_cast<std::size_t>(b.address) + i] = b.values[i];
-  std::size_t wrong = 0;
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    if (m.Buffer[i] != expected[i] && wrong++ < 8)
-      ADD_FAILURE() << "byte at " << std::hex << i << " is " << int(m.Buffer[i]) << ", not "
-                    << int(expected[i]);
-  }
+  const auto wrong =
+      std::mismatch(expected.begin(), expected.end(), m.Buffer.data()).first - expected.begin();
+  EXPECT_EQ(wrong, expected.end() - expected.begin()) << "the first wrong byte is at " << std::hex << wrong;
   const std::string message = c.message;
   EXPECT_EQ(platform.Texts(),
             message.empty() ? std::vector<std::string>{} : std::vector<std::string>{message});

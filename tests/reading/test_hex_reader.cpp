@@ -13,7 +13,6 @@ TEST(HexReader, RecordsAsTheTablesTell) {
       {"data record", Lines({kRecord}), {{0x1000, b1234}}},
       {"clipped to its last byte", Lines({kRecord}), {{0x1003, {4}}}, "", 0, 0x1003},
       {"clipped to its first byte", Lines({kRecord}), {{0x1000, {1}}}, "", 0, 0, 0x1000},
-      {"negative offset", Lines({kRecord}), {{0, b1234}}, "", 0, 0, kImageLast, -0x1000},
       {"offset below zero drops", Lines({kRecord}), {{0, {3, 4}}}, "", 0, 0, kImageLast, -0x1002},
       {"passed over: checksum untested", Lines({kBadSum}), {}, "", 0, 0, 0xFFF},
       {"bad checksum stores first", Lines({kRecord, kBadSum, kNext}), {{0x1000, b1234}}, "SUM Error", 2},

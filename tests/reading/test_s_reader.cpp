@@ -15,7 +15,6 @@ TEST(SReader, RecordsAsTheTablesTell) {
       {"S3 record", Lines({"S3090001200001020304CB"}), {{0x12000, b1234}}},
       {"clipped at the front", Lines({kRecord}), {{0x1002, {3, 4}}}, "", 0, 0x1002},
       {"clipped at the back", Lines({kRecord}), {{0x1000, {1, 2}}}, "", 0, 0, 0x1001},
-      {"negative offset", Lines({kRecord}), {{0, b1234}}, "", 0, 0, kImageLast, -0x1000},
       {"S3 near the top with an offset",
        Lines({"S309FFFFFFFE01020304F1"}),
        {{0xFFE, b1234}},
