@@ -31,68 +31,57 @@ struct Dialog {
   bool Load() { return Command1_Click(f, m, platform, store, &report); }
 };
 
-TEST(LoadDialog, RefusesTheFirstBadFieldAndStaysOpen) {
+TEST(LoadDialog, RefusesTheFirstBadFieldOrTakesTheSignedOffset) {
   const struct {
     const char *text1, *text4, *text3;
-    const char* text2;  // the offset, ticked; nullptr for none
+    const char* text2;  // the offset, ticked; nullptr for unticked with 5 typed before
     const char* message;
     const char* shown4;  // Text4 afterwards
+    Address offset;      // LoadOffset of a load that goes through
   } cases[] = {
-      {"", "", "", nullptr, "Select File Name!", ""},
-      {"app.hex", "", "", nullptr, "First Address Error!", ""},
-      {"app.hex", "100", "", nullptr, "Last Address Error!", "100"},
-      {"app.hex", "1", "7FFFF", "", "Offset Address Error!", "1"},
-      {"app.hex", "1", "7FFFF", "12-34", "OffsetAddress Error!", "1"},
-      {"app.hex", "0", "7FFFF", "--5", "OffsetAddress Error!", "0"},
-      {"app.hex", "0", "7FFFF", "+-5", "OffsetAddress Error!", "0"},
-      {"app.hex", "0", "7FFFF", "5+", "OffsetAddress Error!", "0"},
-      {"app.hex", "0", "7FFFF", "123456789", "OffsetAddress Error!", "0"},
-      {"app.hex", "80000", "90000", nullptr, "First Address Error!", "00080000"},
-      {"app.hex", "100", "80000", nullptr, "Last Address Error!", "00000100"},
-      {"app.hex", "2000", "1FFF", nullptr, "Address Error!", "00002000"},
+      {"", "", "", nullptr, "Select File Name!", "", 0},
+      {"app.hex", "", "", nullptr, "First Address Error!", "", 0},
+      {"app.hex", "100", "", nullptr, "Last Address Error!", "100", 0},
+      {"app.hex", "1", "7FFFF", "", "Offset Address Error!", "1", 0},
+      {"app.hex", "1", "7FFFF", "12-34", "OffsetAddress Error!", "1", 0},  // judged before the padding
+      {"app.hex", "0", "7FFFF", "--5", "OffsetAddress Error!", "0", 0},
+      {"app.hex", "0", "7FFFF", "+-5", "OffsetAddress Error!", "0", 0},
+      {"app.hex", "0", "7FFFF", "5+", "OffsetAddress Error!", "0", 0},
+      {"app.hex", "0", "7FFFF", "123456789", "OffsetAddress Error!", "0", 0},
+      {"app.hex", "80000", "90000", nullptr, "First Address Error!", "00080000", 0},
+      {"app.hex", "100", "80000", nullptr, "Last Address Error!", "00000100", 0},
+      {"app.hex", "2000", "1FFF", nullptr, "Address Error!", "00002000", 0},
+      {"app.hex", "0", "7FFFF", "-12345678", "Load Complete!", "00000000", -305419896},
+      {"app.hex", "0", "7FFFF", "12345678", "Load Complete!", "00000000", 305419896},
+      {"app.hex", "0", "7FFFF", "+12345678", "Load Complete!", "00000000", 305419896},
+      {"app.hex", "0", "7FFFF", "-FFFFFFFF", "Load Complete!", "00000000", -4294967295},
+      {"app.hex", "0", "7FFFF", "-", "Load Complete!", "00000000", 0},
+      {"app.hex", "0", "7FFFF", "+", "Load Complete!", "00000000", 0},
+      {"app.hex", "0", "7FFFF", "0", "Load Complete!", "00000000", 0},
+      {"app.hex", "0", "7FFFF", nullptr, "Load Complete!", "00000000", 0},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.message) + " " + c.text4 + ".." + c.text3);
-    Dialog d;
+    SCOPED_TRACE(std::string(c.message) + " " + c.text4 + ".." + c.text3 + " " +
+                 (c.text2 ? c.text2 : "unticked"));
+    Dialog d("");  // an empty file loads as well
     d.f.Text1 = c.text1;
     d.f.Text4 = c.text4;
     d.f.Text3 = c.text3;
     d.f.Check1 = d.f.Text2Visible = c.text2 != nullptr;
-    if (c.text2) d.f.Text2 = c.text2;
-    EXPECT_FALSE(d.Load());
+    d.f.Text2 = c.text2 ? c.text2 : "5";
+    const bool loads = std::string(c.message) == "Load Complete!";
+    EXPECT_EQ(d.Load(), loads);
     EXPECT_EQ(d.platform.Texts(), std::vector<std::string>{c.message});
     EXPECT_EQ(d.f.Text4, c.shown4);
+    if (loads) {
+      EXPECT_EQ(d.m.LoadOffset, c.offset);
+      continue;
+    }
     EXPECT_EQ(d.report.outcome, LoadReport::Outcome::Refused);
     EXPECT_EQ(d.report.message, c.message);
     EXPECT_TRUE(d.platform.pointers.empty());
     EXPECT_TRUE(d.store.values.empty());
     EXPECT_EQ(d.m.frmsumtool.List1.size(), 1u);  // a refusal does not touch the dump
-    EXPECT_EQ(d.m.Buffer[0x1000], 0xFF);
-  }
-}
-
-TEST(LoadDialog, OffsetTextGivesTheSignedOffset) {
-  const struct {
-    bool ticked;
-    const char* text;
-    Address offset;
-  } cases[] = {
-      {true, "-12345678", -305419896},
-      {true, "12345678", 305419896},
-      {true, "+12345678", 305419896},
-      {true, "-", 0},
-      {true, "+", 0},
-      {true, "0", 0},
-      {false, "5", 0},  // ticked, typed, unticked: the text is ignored
-      {true, "-FFFFFFFF", -4294967295},
-  };
-  for (const auto& c : cases) {
-    Dialog d("");
-    d.f.Check1 = d.f.Text2Visible = c.ticked;
-    d.f.Text2 = c.text;
-    EXPECT_TRUE(d.Load()) << c.text;  // an empty file loads as well
-    EXPECT_EQ(d.platform.Texts(), std::vector<std::string>{"Load Complete!"});
-    EXPECT_EQ(d.m.LoadOffset, c.offset) << c.text;
   }
 }
 
