@@ -1,10 +1,13 @@
 #include "forms/FormSupport.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QStringList>
+#include <QStyle>
+#include <QStyleOptionGroupBox>
 #include <algorithm>
 
 namespace kestrum::forms {
@@ -49,6 +52,16 @@ bool SameRow(const QRect& a, const QRect& b) { return a.top() <= b.bottom() && b
 
 }  // namespace
 
+QRect FrameCaptionRect(const QGroupBox* frame) {
+  QStyleOptionGroupBox option;
+  option.initFrom(frame);
+  option.text = frame->title();
+  option.textAlignment = frame->alignment();
+  option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
+  option.lineWidth = 1;
+  return frame->style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, frame);
+}
+
 int FitCaptions(QWidget* form) {
   int lacking = 0;
   for (QWidget* caption : form->findChildren<QWidget*>()) {
@@ -70,12 +83,42 @@ int FitCaptions(QWidget* form) {
     }
     int x = caption->x();
     if (x + need.width() > limit) x = std::max(floor, limit - need.width());
-    lacking = std::max(lacking, x + need.width() - limit);
-    // The design width is kept where there is room for it.
-    const int width = std::max(need.width(), std::min(caption->width(), limit - x));
-    caption->setGeometry(x, caption->y(), width, row.height());
+    if (x + need.width() <= limit) {
+      // The design width is kept where there is room for it.
+      const int width = std::max(need.width(), std::min(caption->width(), limit - x));
+      caption->setGeometry(x, caption->y(), width, row.height());
+      continue;
+    }
+    // No room on one line: a label breaks between its words, centred on its row.
+    auto* label = qobject_cast<QLabel*>(caption);
+    if (!label) {
+      lacking = std::max(lacking, x + need.width() - limit);
+      continue;
+    }
+    const QRect lines = label->fontMetrics().boundingRect(QRect(0, 0, limit - floor, 1000), Qt::TextWordWrap,
+                                                          label->text());
+    lacking = std::max(lacking, lines.width() - (limit - floor));
+    const auto* frame = qobject_cast<const QGroupBox*>(parent);
+    const int top = frame ? FrameCaptionRect(frame).bottom() + 1 : 0;
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);  // its lines end at the control, as one line would
+    label->setGeometry(std::max(floor, limit - lines.width()),
+                       std::max(top, row.center().y() - lines.height() / 2), std::min(lines.width(), limit - floor),
+                       lines.height());
   }
   return lacking;
+}
+
+void FitDropDown(QComboBox* list) {
+  const QWidget* parent = list->parentWidget();
+  int limit = parent->width() - kEdge;
+  for (const QWidget* sibling : parent->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+    if (sibling != list && !sibling->isWindow() && sibling->x() > list->x() &&
+        SameRow(list->geometry(), sibling->geometry())) {
+      limit = std::min(limit, sibling->x() - kCaptionGap);
+    }
+  }
+  list->resize(std::max(list->width(), std::min(list->sizeHint().width(), limit - list->x())), list->height());
 }
 
 void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel) {

@@ -1,6 +1,7 @@
 #pragma once
 // What every form shares: the context it works in, design sizes in twips,
 // fonts, and the key filters hooked to text boxes.
+#include <QComboBox>
 #include <QFont>
 #include <QGroupBox>
 #include <QIcon>
@@ -56,9 +57,15 @@ QFont MonoFont(double points = 8.25);
 
 // Moves each label and check box of form (at any depth) left of its design
 // place where its caption, in this system's font, would run into the
-// control to its right or out of its frame; the caption keeps its font and
-// its row. Gives the most pixels that a caption still lacks after that.
+// control to its right or out of its frame; a label that lacks room even
+// then breaks between its words, centred on its row and ending at the
+// control. Captions keep their font. Gives the most pixels that a caption
+// still lacks after that.
 int FitCaptions(QWidget* form);
+
+// Widens a drop-down list to its longest item, as far as the room to its
+// right allows.
+void FitDropDown(QComboBox* list);
 
 // Makes def the button of Enter and cancel the one Esc stands for (a dialog
 // rejects on Esc by itself; cancel must do no more than that), and names
@@ -67,6 +74,9 @@ void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel);
 
 // The program's icon, from the resources.
 QIcon AppIcon();
+
+// Where the style draws a frame's caption, in the frame.
+QRect FrameCaptionRect(const QGroupBox* frame);
 
 // A dialog's client area in design twips, not resizable.
 void SetClientSize(QWidget* form, int widthTwips, int heightTwips);

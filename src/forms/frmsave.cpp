@@ -3,11 +3,8 @@
 #include <QComboBox>
 #include <QFrame>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
-#include <algorithm>
-#include <initializer_list>
 
 #include "forms/Dialogs.h"
 #include "forms/FileLists.h"
@@ -75,19 +72,7 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   HookKeyFilter(Text6_, FilterAddressKey);
   HookKeyFilter(Text4_, FilterByteKey);
   SetDefaultAndCancel(Command5_, Command2_);
-  // The format frame is narrow: where its captions lack room before the
-  // fields even at the frame's edge, the column of fields moves right into
-  // the frame's free margin.
-  const QList<QLabel*> captions = frame2->findChildren<QLabel*>();
-  QList<QPoint> designed;
-  for (const QLabel* caption : captions) designed << caption->pos();
-  if (const int lacking = FitCaptions(frame2); lacking > 0) {
-    const std::initializer_list<QWidget*> column{Combo2_, Text7_, Text6_, Text4_, Combo3_};
-    int margin = lacking;
-    for (const QWidget* field : column) margin = std::min(margin, frame2->width() - 2 - field->x() - field->width());
-    for (QWidget* field : column) field->move(field->x() + std::max(0, margin), field->y());
-    for (int i = 0; i < captions.size(); ++i) captions[i]->move(designed[i]);
-  }
+  for (auto* list : {Combo1_, Combo2_, Combo3_}) FitDropDown(list);
   FitCaptions(this);
   QWidget* order[] = {Dir2_,  File2_, Text5_, Combo1_,  Combo2_,   Text7_,
                       Text6_, Text4_, Combo3_, Command5_, Command2_, Drive2_};
