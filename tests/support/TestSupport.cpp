@@ -1,9 +1,14 @@
 #include "TestSupport.h"
 
 #include <fcntl.h>
+#include <grp.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -91,10 +96,58 @@ std::string Slurp(int fd) {
 }
 }  // namespace
 
-RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir) {
+namespace {
+constexpr uid_t kNobody = 65534;
+
+// In a child about to run unprivileged: false when the rights can't be given up.
+bool DropPrivileges() {
+  return geteuid() != 0 || (setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0);
+}
+}  // namespace
+
+FileSizeLimit::FileSizeLimit(std::uint64_t limit) {
+  oldHandler_ = std::signal(SIGXFSZ, SIG_IGN);
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  old_[0] = old.rlim_cur;
+  old_[1] = old.rlim_max;
+  old.rlim_cur = limit;
+  setrlimit(RLIMIT_FSIZE, &old);
+}
+
+FileSizeLimit::~FileSizeLimit() {
+  const rlimit old{old_[0], old_[1]};
+  setrlimit(RLIMIT_FSIZE, &old);
+  std::signal(SIGXFSZ, oldHandler_);
+}
+
+std::string Unprivileged(const std::function<std::string()>& body) {
+  if (geteuid() != 0) return body();
+  int pipeFds[2];
+  if (pipe(pipeFds) != 0) return "no pipe";
+  const pid_t pid = fork();
+  if (pid < 0) return "fork failed";
+  if (pid == 0) {
+    close(pipeFds[0]);
+    const std::string result = DropPrivileges() ? body() : "the rights of the superuser could not be given up";
+    if (!result.empty() && write(pipeFds[1], result.data(), result.size()) < 0) _exit(2);
+    _exit(0);
+  }
+  close(pipeFds[1]);
+  std::string result = Slurp(pipeFds[0]);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) result += " (the unprivileged child did not end normally)";
+  return result;
+}
+
+RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir,
+                     const RunOptions& options) {
   // Output goes to files, not pipes, so a large output can't block the child.
   TempDir capture;
   const auto outPath = capture / "out", errPath = capture / "err";
+  const auto meminfoPath = capture / "meminfo";
+  if (!options.meminfo.empty()) WriteFile(meminfoPath, options.meminfo);
   pid_t pid = fork();
   if (pid < 0) throw std::runtime_error("fork failed");
   if (pid == 0) {
@@ -105,6 +158,15 @@ RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem
     dup2(out, 1);
     dup2(err, 2);
     if (!workdir.empty() && chdir(workdir.c_str()) != 0) _exit(126);
+    if (!options.meminfo.empty() &&
+        (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+         mount(meminfoPath.c_str(), "/proc/meminfo", nullptr, MS_BIND, nullptr) != 0))
+      _exit(kNoMeminfo);
+    if (options.unprivileged && !DropPrivileges()) _exit(125);
+    if (options.addressSpace != 0) {
+      const rlimit limit{options.addressSpace, options.addressSpace};
+      if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(124);
+    }
     std::vector<char*> args;
     for (const auto& a : argv) args.push_back(const_cast<char*>(a.c_str()));
     args.push_back(nullptr);
@@ -112,9 +174,11 @@ RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem
     _exit(127);
   }
   int status = 0;
-  waitpid(pid, &status, 0);
+  rusage usage{};
+  wait4(pid, &status, 0, &usage);
   RunResult result;
   result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  result.peakKiB = usage.ru_maxrss;
   result.out = Slurp(open(outPath.c_str(), O_RDONLY));
   result.err = Slurp(open(errPath.c_str(), O_RDONLY));
   return result;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -60,9 +61,55 @@ struct RunResult {
   int status = -1;
   std::string out;
   std::string err;
+  long peakKiB = 0;  // the child's peak resident memory
 };
 
+// How a program is run: unprivileged, or with its address space limited.
+struct RunOptions {
+  bool unprivileged = false;       // as the user nobody when run by the superuser
+  std::uint64_t addressSpace = 0;  // bytes; 0 for no limit
+  // What the program finds in /proc/meminfo, when not empty: in a mount
+  // namespace of its own, which needs the superuser. A program that could
+  // not be given it ends with kNoMeminfo.
+  std::string meminfo;
+};
+inline constexpr int kNoMeminfo = 123;
+
 // Runs a program with arguments (no shell) and collects its output.
-RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir = {});
+RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir = {},
+                     const RunOptions& options = {});
+
+// Built with AddressSanitizer: huge files and address space limits don't mix with it.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
+// Lets files grow to at most limit bytes while it lives: a longer write
+// fails with "File too large" instead of ending the process.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(std::uint64_t limit);
+  ~FileSizeLimit();
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  std::uint64_t old_[2] = {};
+  void (*oldHandler_)(int) = nullptr;
+};
+
+// Runs body where file permissions hold: in place for an ordinary user; for
+// the superuser, who reads and writes everything, in a child process as the
+// user nobody. Gives what body gives (empty when all was as expected), or
+// why it could not run.
+std::string Unprivileged(const std::function<std::string()>& body);
 
 }  // namespace kestrum::test
