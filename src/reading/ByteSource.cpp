@@ -80,6 +80,11 @@ bool FileSource::Rewind() {
 
 bool FileLength(const std::string& path, std::uint64_t& length, std::string& reason) {
   namespace fs = std::filesystem;
+  // The system would end the name at the NUL and read another file.
+  if (path.find('\0') != std::string::npos) {
+    reason = "the name holds a NUL character";
+    return false;
+  }
   std::error_code ec;
   const fs::file_status status = fs::status(path, ec);
   if (ec || !fs::exists(status)) {

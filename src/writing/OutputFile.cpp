@@ -73,6 +73,11 @@ OutputFile OutputFile::Create(const std::string& path) {
     out.Fail("create", "the name is empty");
     return out;
   }
+  // The system would end the name at the NUL and write another file.
+  if (path.find('\0') != std::string::npos) {
+    out.Fail("create", "the name holds a NUL character");
+    return out;
+  }
   std::error_code ec;
   // Through a link the content goes to the file it points at; the link stays.
   if (fs::is_symlink(fs::symlink_status(path, ec))) {
