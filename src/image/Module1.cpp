@@ -2,12 +2,18 @@
 
 #include <new>
 
+#include "image/Memory.h"
+
 namespace kestrum {
 
 SizeResult SizeBuffer(Module1& m, Address first, Address last) {
   const Address size = last - first + 1;
   if (size < 0) return SizeResult::NegativeSize;
   if (size > kMaxBufSize) return SizeResult::TooLarge;
+  // Zeroed pages are handed out untouched; the fill with FF that follows
+  // would be killed halfway if the system can't back them.
+  const auto available = AvailableMemory();
+  if (available && static_cast<std::uint64_t>(size) + 1 > *available) return SizeResult::OutOfMemory;
   ByteBuffer fresh = ByteBuffer::Allocate(static_cast<std::size_t>(size) + 1);
   if (!fresh.ok()) return SizeResult::OutOfMemory;
   m.Buffer = std::move(fresh);
