@@ -1,64 +1,318 @@
-// The loader over arbitrary file bytes: whatever the file holds, a load
-// ends with FileError 0 or -1 and one message at most, writes only inside
-// its range, and never reads or writes outside the image.
+// The loader over arbitrary files, bare names, ranges and offsets, held
+// against a plain model of the reading rules that goes line by line and
+// byte by byte: the image, the outcome, the message and the failing line
+// must agree exactly. As the model stops at the first bad line, so must the
+// loader, and a byte outside the range can change in neither. The same
+// bytes loaded from a file on disk give the same result as from memory,
+// and the line splitter gives the model's lines at any block size.
+//
+// Input: a header of 10 bytes, the bare name, then the file.
+//   [0] flags: bits 0-1 the area, bits 2-3 how the offset is read, bit 4 its sign
+//   [1] length of the bare name (mod 33)
+//   [2..3] LoadFirst - BufFirst, [4..5] LoadLast - LoadFirst (clamped to the area)
+//   [6..9] the offset
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
+#include "image/Address.h"
 #include "image/Platform.h"
+#include "reading/LineReader.h"
 #include "reading/LoadObjectFile.h"
 
 using namespace kestrum;
 
 namespace {
 
-void Check(bool ok) {
-  if (!ok) std::abort();
+void Check(bool ok, const char* what) {
+  if (ok) return;
+  std::fprintf(stderr, "property broken: %s\n", what);
+  std::abort();
 }
 
 class CountingPlatform : public Platform {
  public:
-  int MsgBox(const std::string&, int, const std::string&) override {
+  int MsgBox(const std::string& text, int, const std::string&) override {
     ++messages;
+    last = text;
     return vbOK;
   }
-  void SetMousePointer(int) override {}
+  void SetMousePointer(int p) override { pointer = p; }
   int messages = 0;
+  int pointer = vbHourglass;  // as the dialog leaves it during a load
+  std::string last;
 };
 
-constexpr Address kFirst = 0x1000, kLast = 0x10FFF;
+// ---- The model: the rules as plainly as they can be written ----
+
+std::vector<std::string_view> SplitLines(std::string_view bytes) {
+  std::vector<std::string_view> lines;
+  std::size_t begin = 0;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (bytes[i] != '\r') continue;
+    lines.push_back(bytes.substr(begin, i - begin));
+    if (i + 1 < bytes.size() && bytes[i + 1] == '\n') ++i;
+    begin = i + 1;
+  }
+  if (begin < bytes.size()) lines.push_back(bytes.substr(begin));
+  return lines;
+}
+
+// The pair at a column counted from 1, or -1.
+int Pair(std::string_view line, std::size_t column) {
+  if (column < 1 || column + 1 > line.size()) return -1;
+  const int high = HexDigitValue(line[column - 1]), low = HexDigitValue(line[column]);
+  return high < 0 || low < 0 ? -1 : high * 16 + low;
+}
+
+enum class Status { Ok, Format, Sum };
+
+struct Model {
+  std::vector<std::uint8_t>& image;
+  Address bufFirst, loadFirst, loadLast, offset;
+  Address base = 0;
+
+  // Stores the bytes of a record that the range clip keeps, each from its
+  // pair, up to the first pair that is no pair of digits; false if any of
+  // the n pairs is none.
+  bool Store(std::string_view line, std::size_t dataColumn, Address R, Address n) {
+    const Address E = R + n - 1;
+    const Address F = R < loadFirst ? loadFirst : R;
+    const Address L = E < loadLast ? E : loadLast;
+    for (Address A = F; A <= L; ++A) {
+      const int value = Pair(line, dataColumn + 2 * static_cast<std::size_t>(A - R));
+      if (value < 0) return false;
+      image[static_cast<std::size_t>(A - bufFirst)] = static_cast<std::uint8_t>(value);
+    }
+    for (Address i = 0; i < n; ++i)
+      if (Pair(line, dataColumn + 2 * static_cast<std::size_t>(i)) < 0) return false;
+    return true;
+  }
+  bool PassedOver(Address R, Address n) const {
+    const Address E = R + n - 1;
+    return R < loadFirst ? E < loadFirst : R > loadLast;
+  }
+
+  Status HexLine(std::string_view line) {
+    const int count = Pair(line, 2);
+    if (count < 0 || line.size() != 11 + 2 * static_cast<std::size_t>(count)) return Status::Format;
+    const int checksum = Pair(line, line.size() - 1);
+    if (checksum < 0) return Status::Format;
+    if (line[7] != '0' || (line[8] != '0' && line[8] != '2' && line[8] != '4')) return Status::Ok;
+    const int type = line[8] - '0';
+    const int addressHigh = Pair(line, 4), addressLow = Pair(line, 6);
+    int sum = count + addressHigh + addressLow + type;
+    if (type == 0) {
+      if (addressHigh < 0 || addressLow < 0) return Status::Format;
+      const Address R = addressHigh * 256 + addressLow + base + offset;
+      if (PassedOver(R, count)) return Status::Ok;
+      if (!Store(line, 10, R, count)) return Status::Format;
+      for (int i = 0; i < count; ++i) sum += Pair(line, 10 + 2 * static_cast<std::size_t>(i));
+    } else {
+      const int high = Pair(line, 10), low = Pair(line, 12);
+      if (high < 0 || low < 0 || addressHigh < 0 || addressLow < 0) return Status::Format;
+      base = (high * 256 + low) * Address{type == 2 ? 16 : 65536};
+      sum += high + low;
+    }
+    return (256 - sum % 256) % 256 == checksum ? Status::Ok : Status::Sum;
+  }
+
+  Status SLine(std::string_view line) {
+    if (line.size() < 2 || (line[0] != 'S' && line[0] != 's')) return Status::Format;
+    if (std::string_view("05789").find(line[1]) != std::string_view::npos) return Status::Ok;
+    if (line[1] < '1' || line[1] > '3') return Status::Format;
+    const int K = line[1] - '0';
+    const int count = Pair(line, 3);
+    if (count < 0) return Status::Format;
+    std::string padded = "000000" + std::string(line.substr(std::min<std::size_t>(4, line.size()), 2 * K + 2));
+    if (padded.size() > 8) padded = padded.substr(padded.size() - 8);
+    const Address R = AddressFromText(padded) + offset;
+    const Address n = count - K - 2;
+    if (line.size() != 4 + 2 * static_cast<std::size_t>(count)) return Status::Format;
+    if (PassedOver(R, n)) return Status::Ok;
+    if (!Store(line, 7 + 2 * static_cast<std::size_t>(K), R, n)) return Status::Format;
+    int sum = 0;
+    for (int i = 0; i < count; ++i) {
+      const int value = Pair(line, 3 + 2 * static_cast<std::size_t>(i));
+      if (value < 0) return Status::Format;
+      sum += value;
+    }
+    const int checksum = Pair(line, line.size() - 1);
+    if (checksum < 0) return Status::Format;
+    return 255 - sum % 256 == checksum ? Status::Ok : Status::Sum;
+  }
+};
+
+struct ModelOutcome {
+  LoadFormat format = LoadFormat::BIN;
+  Status status = Status::Ok;
+  std::uint64_t line = 0;
+};
+
+LoadFormat ModelFormat(std::string_view name, std::string_view file) {
+  const auto dot = name.find('.');
+  const std::string_view extension = dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+  if (EqualsIgnoreCase(extension, "HEX")) return LoadFormat::HEX;
+  if (EqualsIgnoreCase(extension, "BIN")) return LoadFormat::BIN;
+  if (EqualsIgnoreCase(extension, "S")) return LoadFormat::S;
+  const auto lineEndWithin = [&](std::size_t span) {
+    return file.substr(0, span).find_first_of("\r\n") != std::string_view::npos;
+  };
+  if (file[0] == 'S' && lineEndWithin(514)) return LoadFormat::S;
+  if (file[0] == ':' && lineEndWithin(523)) return LoadFormat::HEX;
+  return LoadFormat::BIN;
+}
+
+ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view file) {
+  ModelOutcome outcome;
+  if (file.empty()) return outcome;
+  outcome.format = ModelFormat(name, file);
+  if (outcome.format == LoadFormat::BIN) {
+    for (std::size_t k = 0; k < file.size(); ++k) {
+      const Address A = model.loadFirst + model.offset + static_cast<Address>(k);
+      if (A > model.loadLast) break;
+      if (A >= model.loadFirst) model.image[static_cast<std::size_t>(A - model.bufFirst)] = static_cast<std::uint8_t>(file[k]);
+    }
+    return outcome;
+  }
+  for (std::string_view line : SplitLines(file)) {
+    ++outcome.line;
+    outcome.status = outcome.format == LoadFormat::HEX ? model.HexLine(line) : model.SLine(line);
+    if (outcome.status != Status::Ok) return outcome;
+  }
+  outcome.line = 0;
+  return outcome;
+}
+
+// ---- The loader under test ----
+
+constexpr Address kAreaSize = 0x10000;
+constexpr Address kAreaBases[] = {0, 0x10000, 0x7FFF8000, 0xFFFF0000};
+
+// What the image holds before each load: unlike FF, a stored FF shows.
+const std::vector<std::uint8_t>& Pattern() {
+  static const std::vector<std::uint8_t> pattern = [] {
+    std::vector<std::uint8_t> p(static_cast<std::size_t>(kAreaSize));
+    for (std::size_t i = 0; i < p.size(); ++i) p[i] = static_cast<std::uint8_t>(i ^ (i >> 8) ^ 0x5A);
+    return p;
+  }();
+  return pattern;
+}
+
+Module1& Image() {
+  static Module1 m = [] {
+    Module1 image;
+    Check(SizeBuffer(image, 0, kAreaSize - 1) == SizeResult::Ok, "an image of 64 KiB");
+    return image;
+  }();
+  return m;
+}
+
+void Reset(Module1& m) {
+  std::memcpy(m.Buffer.data(), Pattern().data(), Pattern().size());
+  m.FileError = 0;
+}
+
+const std::string& ScratchFile() {
+  static const std::string path = [] {
+    const std::string p =
+        (std::filesystem::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".load")).string();
+    std::atexit([] { std::remove(ScratchFile().c_str()); });
+    return p;
+  }();
+  return path;
+}
+
+// The splitter's lines at a small block size: each the model's line, whole
+// while it fits the block, else its head and full length.
+void CheckLines(std::string_view file, const std::vector<std::string_view>& expected, std::size_t blockSize) {
+  MemorySource source(file);
+  LineReader reader(source, blockSize);
+  Line line;
+  std::size_t i = 0;
+  while (reader.Next(line)) {
+    Check(i < expected.size(), "no more lines than the model's");
+    const std::string_view want = expected[i++];
+    Check(line.length == want.size(), "a line's full length");
+    Check(want.substr(0, line.text.size()) == line.text, "a line's head");
+    Check(line.Whole() || want.size() >= blockSize, "a line that fits the block is whole");
+    Check(reader.LineNumber() == i, "lines counted from 1");
+  }
+  Check(i == expected.size(), "every line of the model");
+}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // The first bytes choose the name, the range and the offset; the rest is the file.
-  if (size < 6) return 0;
-  static const char* const kNames[] = {"F.HEX", "F.S", "F.BIN", "F.DAT"};
-  const std::string name = kNames[data[0] & 3];
-  const Address loadFirst = kFirst + (data[1] << 8);
-  const Address loadLast = kLast - (data[2] << 8);
-  std::int16_t offset;
-  std::memcpy(&offset, data + 3, 2);
-  const std::string_view file(reinterpret_cast<const char*>(data + 5), size - 5);
+  if (size < 10) return 0;
+  const auto u16 = [&](std::size_t at) { return static_cast<Address>(data[at] | data[at + 1] << 8); };
+  const std::uint32_t raw = static_cast<std::uint32_t>(data[6] | data[7] << 8 | data[8] << 16) |
+                            static_cast<std::uint32_t>(data[9]) << 24;
+  const std::size_t nameLength = std::min<std::size_t>(data[1] % 33, size - 10);
+  const std::string name(reinterpret_cast<const char*>(data + 10), nameLength);
+  const std::string_view file(reinterpret_cast<const char*>(data + 10 + nameLength), size - 10 - nameLength);
 
-  static Module1 m = [] {
-    Module1 image;
-    Check(SizeBuffer(image, kFirst, kLast) == SizeResult::Ok);
-    return image;
-  }();
-  std::memset(m.Buffer.data(), 0xFF, static_cast<std::size_t>(m.BufSize));
-  m.FileError = 0;
-  m.LoadOffset = (data[0] & 4) ? offset * Address{16} : offset;
-  m.LoadFileName = name;
-  CountingPlatform platform;
-  const LoadReport report = LoadObjectBytes(m, platform, loadFirst, loadLast, name, file);
-
-  Check(report.Loaded() == (m.FileError == 0));
-  Check(platform.messages == (report.Loaded() ? 0 : 1));
-  for (Address a = kFirst; a <= kLast; ++a) {
-    if (a < loadFirst || a > loadLast) Check(m.At(a) == 0xFF);
+  Module1& m = Image();
+  m.BufFirst = kAreaBases[data[0] & 3];
+  m.BufLast = m.BufFirst + kAreaSize - 1;
+  const Address loadFirst = m.BufFirst + u16(2);
+  const Address loadLast = std::min(loadFirst + u16(4), m.BufLast);
+  Address offset = 0;
+  switch ((data[0] >> 2) & 3) {
+    case 0: offset = 0; break;
+    case 1: offset = static_cast<std::int16_t>(raw & 0xFFFF); break;
+    case 2: offset = static_cast<Address>(raw & 0xFFFF0000); break;
+    default: offset = raw; break;
   }
+  if (data[0] & 0x10) offset = -offset;
+  m.LoadOffset = offset;
+  m.LoadFileName = "memory/" + name;
+
+  static std::vector<std::uint8_t> expected;
+  expected = Pattern();
+  Model model{expected, m.BufFirst, loadFirst, loadLast, offset};
+  const ModelOutcome want = ModelLoad(model, name, file);
+
+  Reset(m);
+  CountingPlatform platform;
+  const LoadReport got = LoadObjectBytes(m, platform, loadFirst, loadLast, name, file);
+  const bool failed = want.status != Status::Ok;
+  Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0, "the model's image");
+  Check(got.Loaded() == !failed, "the model's outcome");
+  Check(m.FileError == (failed ? -1 : 0), "FileError 0 or -1 by the outcome");
+  Check(platform.messages == (failed ? 1 : 0), "one message for a failed load, none else");
+  if (failed) {
+    Check(got.outcome == LoadReport::Outcome::RecordError, "a record error");
+    Check(got.line == want.line, "the model's failing line");
+    Check(platform.last == (want.status == Status::Format ? "Format Error" : "SUM Error"), "the model's message");
+    Check(platform.pointer == vbDefault, "the pointer back to default");
+  }
+  if (!file.empty()) Check(got.format == want.format, "the model's format");
+
+  // The same bytes from a file on disk.
+  {
+    std::FILE* f = std::fopen(ScratchFile().c_str(), "wb");
+    Check(f != nullptr && std::fwrite(file.data(), 1, file.size(), f) == file.size() && std::fclose(f) == 0,
+          "the scratch file is written");
+    Reset(m);
+    m.LoadFileName = ScratchFile();
+    CountingPlatform diskPlatform;
+    const LoadReport disk = LoadObjectFile(m, diskPlatform, loadFirst, loadLast, name);
+    Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0, "the same image from disk");
+    Check(disk.outcome == got.outcome && disk.line == got.line && disk.message == got.message,
+          "the same outcome from disk");
+  }
+
+  const std::vector<std::string_view> lines = SplitLines(file);
+  CheckLines(file, lines, 1 + data[5] % 64);
   return 0;
 }
