@@ -81,31 +81,23 @@ TEST(CliSave, DefaultsAreTheAreaAndLength10AndAnOldFileIsReplacedWhole) {
   EXPECT_EQ(ReadFile(dir / "a.bin"), std::string(4, '\xFF'));
 }
 
-TEST(CliSave, RefusalsAndFailuresLeaveTheOldFile) {
+TEST(CliSave, RefusalsLeaveTheOldFile) {
   const struct {
     std::vector<std::string> step;
-    int status;
     const char* words;
   } cases[] = {
-      {{"save", "old", "--format", "hex", "--range", "90000:80000"}, 2, "Address Error!"},
-      {{"save", "old", "--format", "s", "--range", "0:80000", "--record-length", "0"},
-       2,
-       "RecordLength Error!"},
-      {{"save", "old", "--format", "hex", "--record-length", "100"}, 2, "RecordLength Error!"},
-      {{"save", "old", "--format", "hex", "--record-length", "1G"}, 2, "RecordLength Error!"},
-      {{"save", "old", "--format", "bin", "--range", "80000:90000"}, 2, "FirstAddress Error!"},
-      {{"save", "old", "--format", "bin", "--range", "0:80000"}, 2, "LastAddress Error!"},
-      {{"save", "old", "--format", "elf"}, 2, "Format Error!"},
-      {{"save", "old"}, 2, "save needs --format"},
-      {{"ysm", "old", "--sum", "32"}, 2, "YSM File Format Error!"},
-      {{"ysm", "old", "--range", "0:1"}, 2, "ysm needs --sum"},
-      {{"ysm", "old", "--sum", "8-8", "--range", "0-1"}, 2, "--range"},
-      {{"save", "old", "--format", "s", "--range", "0:1FF", "--record-length", "FD"},
-       2,
-       "Record Length Error!"},
-      {{"save", "gone/a.hex", "--format", "hex"}, 1, "gone/a.hex: No such file or directory"},
-      {{"save", "/dev/full", "--format", "s"}, 1, "/dev/full: No space left on device"},
-      {{"ysm", ".", "--sum", "8-8"}, 1, "Is a directory"},
+      {{"save", "old", "--format", "hex", "--range", "90000:80000"}, "Address Error!"},
+      {{"save", "old", "--format", "s", "--range", "0:80000", "--record-length", "0"}, "RecordLength Error!"},
+      {{"save", "old", "--format", "hex", "--record-length", "100"}, "RecordLength Error!"},
+      {{"save", "old", "--format", "hex", "--record-length", "1G"}, "RecordLength Error!"},
+      {{"save", "old", "--format", "bin", "--range", "80000:90000"}, "FirstAddress Error!"},
+      {{"save", "old", "--format", "bin", "--range", "0:80000"}, "LastAddress Error!"},
+      {{"save", "old", "--format", "elf"}, "Format Error!"},
+      {{"save", "old"}, "save needs --format"},
+      {{"ysm", "old", "--sum", "32"}, "YSM File Format Error!"},
+      {{"ysm", "old", "--range", "0:1"}, "ysm needs --sum"},
+      {{"ysm", "old", "--sum", "8-8", "--range", "0-1"}, "--range"},
+      {{"save", "old", "--format", "s", "--range", "0:1FF", "--record-length", "FD"}, "Record Length Error!"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.words);
@@ -115,7 +107,7 @@ TEST(CliSave, RefusalsAndFailuresLeaveTheOldFile) {
     argv.insert(argv.end(), c.step.begin(), c.step.end());
     argv.insert(argv.end(), {"save", "after", "--format", "bin"});
     const auto r = RunProgram(argv, dir.path());
-    EXPECT_EQ(r.status, c.status);
+    EXPECT_EQ(r.status, 2);
     EXPECT_NE(r.err.find(c.words), std::string::npos) << r.err;
     EXPECT_EQ(ReadFile(dir / "old"), "the old file");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1)
