@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "TestSupport.h"
 #include "bufferops/SumDialog.h"
 
@@ -41,31 +39,6 @@ TEST(Calculate, WorkedNumbersWrapsAndHalfWords) {
     ASSERT_TRUE(Command1_Click(f, m, platform));
     EXPECT_EQ(f.Text1 + " " + f.Text2 + " " + f.Text3, c.results) << c.first << ".." << c.last;
     EXPECT_EQ(platform.pointers, (std::vector<int>{vbHourglass, vbDefault}));
-  }
-}
-
-// Over random ranges of random bytes the sums are those of a walk over the
-// big-endian words: an odd first byte is a low half, an even last byte a high half.
-TEST(SumRange, AgreesWithTheWalkOverTheWords) {
-  Module1 m = MakeImage(0x7FFFF000, 0x80007FFF);  // across 80000000 and many blocks
-  std::mt19937 random(12345);
-  for (Address i = 0; i < m.BufSize; ++i)
-    m.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(random());
-  std::uniform_int_distribution<Address> offset(0, m.BufSize - 1);
-  for (int round = 0; round < 300; ++round) {
-    Address a = m.BufFirst + offset(random), b = m.BufFirst + offset(random);
-    if (a > b) std::swap(a, b);
-    if (round % 3 == 0) b = std::min(m.BufLast, a + static_cast<Address>(random() % 40));
-    int acc8 = 0, acc16 = 0;
-    Address at = a;
-    if (at % 2 == 1) acc8 = acc16 = m.At(at++);
-    for (; at <= b; at += 2) {
-      const int high = m.At(at), low = at == b ? 0 : m.At(at + 1);
-      acc8 = (acc8 + high + low) % 65536;
-      acc16 = (acc16 + high * 256 + low) % 65536;
-    }
-    ASSERT_EQ(SumRange(m, a, b), (Sums{acc8 % 256, acc8, acc16}))
-        << AddressToText(a) << ".." << AddressToText(b);
   }
 }
 

@@ -43,24 +43,6 @@ TEST(LineReader, CrOrCrLfEndsALineAndALoneLfStays) {
   }
 }
 
-TEST(LineReader, LineLongerThanABlockKeepsItsHeadAndFullLength) {
-  std::string bytes = std::string(50, 'x') + "\r\n" + "yz" + "\r\n" + std::string(33, 'w');
-  for (std::size_t block : {8, 16, 49, 50}) {
-    MemorySource source(bytes);
-    LineReader reader(source, block);
-    Line line;
-    ASSERT_TRUE(reader.Next(line));
-    EXPECT_EQ(line.length, 50u) << block;
-    EXPECT_EQ(line.text, std::string(std::min<std::size_t>(block, 50), 'x')) << block;
-    ASSERT_TRUE(reader.Next(line));
-    EXPECT_EQ(line.text, "yz") << block;
-    ASSERT_TRUE(reader.Next(line));
-    EXPECT_EQ(line.length, 33u) << block;
-    EXPECT_FALSE(reader.Next(line));
-    EXPECT_EQ(reader.LineNumber(), 3u);
-  }
-}
-
 // Gives its bytes, then fails.
 class FailingSource : public MemorySource {
  public:
