@@ -1,5 +1,5 @@
-// Loads of real files: the failures of the file itself, and files written
-// by peer tools, which must give the bytes of the binary they were made from.
+// Files written by peer tools load into the bytes of the binary they were
+// made from.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -11,39 +11,6 @@ namespace kestrum::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct FileLoad {
-  Module1 m = MakeImage(0, kImageLast);
-  ScriptedPlatform platform;
-  LoadReport report;
-
-  explicit FileLoad(const fs::path& path) {
-    m.LoadFileName = path.string();
-    report = LoadObjectFile(m, platform, 0, kImageLast, path.filename().string());
-  }
-  bool Untouched() const {
-    return std::all_of(m.Buffer.data(), m.Buffer.data() + m.BufSize,
-                       [](std::uint8_t b) { return b == 0xFF; });
-  }
-};
-
-TEST(LoadObjectFile, FileThatCannotBeReadStopsWithItsNameAndReason) {
-  TempDir dir;
-  fs::create_directory(dir / "folder.hex");
-  const std::pair<fs::path, const char*> cases[] = {
-      {dir / "missing.hex", "No such file or directory"},
-      {dir / "folder.hex", "Is a directory"},
-  };
-  for (const auto& [path, reason] : cases) {
-    const FileLoad load(path);
-    const std::string message = "Cannot read " + path.string() + ": " + reason;
-    EXPECT_EQ(load.platform.Texts(), std::vector<std::string>{message});
-    EXPECT_EQ(load.m.FileError, -1);
-    EXPECT_EQ(load.report.outcome, LoadReport::Outcome::FileFailure);
-    EXPECT_EQ(load.report.message, message);
-    EXPECT_TRUE(load.Untouched());
-  }
-}
 
 TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
   const struct {
@@ -93,19 +60,16 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
     const RunResult made = RunProgram(argv, dir.path());
     ASSERT_EQ(made.status, 0) << made.err;
 
-    const FileLoad load{fs::path(out)};
-    EXPECT_EQ(load.platform.Texts(),
+    Module1 m = MakeImage(0, kImageLast);
+    ScriptedPlatform platform;
+    m.LoadFileName = out;
+    const LoadReport report = LoadObjectFile(m, platform, 0, kImageLast, fs::path(out).filename().string());
+    EXPECT_EQ(platform.Texts(),
               *c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
-    EXPECT_EQ(load.report.line, c.line);
-    if (!c.bytesLoaded) {
-      EXPECT_TRUE(load.Untouched());
-      continue;
-    }
-    std::string image(reinterpret_cast<const char*>(load.m.Buffer.data()),
-                      static_cast<std::size_t>(load.m.BufSize));
-    EXPECT_TRUE(image.substr(static_cast<std::size_t>(c.base), c.size) == binary) << "other bytes loaded";
-    image.erase(static_cast<std::size_t>(c.base), c.size);
-    EXPECT_EQ(image.find_first_not_of('\xFF'), std::string::npos) << "bytes outside the binary changed";
+    EXPECT_EQ(report.line, c.line);
+    std::string expected(static_cast<std::size_t>(m.BufSize), '\xFF');
+    if (c.bytesLoaded) expected.replace(static_cast<std::size_t>(c.base), c.size, binary);
+    EXPECT_TRUE(std::string(reinterpret_cast<const char*>(m.Buffer.data()), expected.size()) == expected);
   }
 }
 
