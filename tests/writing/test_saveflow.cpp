@@ -80,23 +80,24 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
     const char* notice;
     const char* text7;  // Text7 after the refusal
   } cases[] = {
-      {{.text7 = ""}, "FirstAddress Error!", ""},
-      {{.text7 = "1", .text6 = ""}, "LastAddress Error!", "1"},              // not padded yet
-      {{.text7 = "90000", .text6 = "80000"}, "Address Error!", "00090000"},  // before any bound
+      // Each case holds the faults of the later ones as well.
+      {{.text7 = "", .text6 = ""}, "FirstAddress Error!", ""},
+      {{.text7 = "1", .text6 = "", .text4 = ""}, "LastAddress Error!", "1"},  // not padded yet
+      {{.text7 = "90000", .text6 = "80000", .text4 = "", .combo2 = "HEX"}, "Address Error!", "00090000"},
+      {{.text7 = "80000", .text6 = "90000", .text4 = "0", .combo2 = "S"}, "RecordLength Error!", "00080000"},
       {{.text7 = "80000", .text6 = "90000"}, "FirstAddress Error!", "00080000"},
-      {{.text7 = "1", .text6 = "80000"}, "LastAddress Error!", "00000001"},
-      {{.text4 = "", .combo2 = "HEX"}, "RecordLength Error!", "00000000"},
-      {{.text4 = "0", .combo2 = "S"}, "RecordLength Error!", "00000000"},
+      {{.text7 = "1", .text6 = "80000", .text5 = ""}, "LastAddress Error!", "00000001"},
       {{.text4 = ".5", .combo2 = "HEX"}, "RecordLength Error!", "00000000"},
       {{.text4 = "100", .combo2 = "HEX"},
        "RecordLength Error!",
-       "00000000"},  // only a stored text has 3 digits
+       "00000000"},  // only stored text has 3 digits
       {{.text4 = "", .combo1 = kYsm, .combo2 = "HEX"}, "RecordLength Error!", "00000000"},
-      {{.text5 = ""}, "Enter or Select File Name!", "00000000"},
-      {{.combo2 = ""}, "Format Error!", "00000000"},
-      {{.combo1 = ""}, "File Type Error!", "00000000"},
-      {{.combo3 = ""}, "YSM File Format Error!", "00000000"},  // though no YSM file is made
-      {{.text5 = "prog.S"}, "Extension Error!", "00000000"},
+      {{.combo1 = "", .combo2 = "", .combo3 = "", .text5 = ""}, "Enter or Select File Name!", "00000000"},
+      {{.combo1 = "", .combo2 = "", .combo3 = ""}, "Format Error!", "00000000"},
+      {{.combo1 = "", .combo3 = "", .text5 = "prog.S"}, "File Type Error!", "00000000"},
+      {{.combo3 = "", .text5 = "prog.S"},
+       "YSM File Format Error!",
+       "00000000"},  // though no YSM file is made
       {{.text5 = "prog.hEx"}, "Extension Error!", "00000000"},
       {{.combo1 = kPair, .combo2 = "S", .text5 = "prog.hex"}, "Extension Error!", "00000000"},
   };
