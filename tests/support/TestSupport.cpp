@@ -121,15 +121,18 @@ FileSizeLimit::~FileSizeLimit() {
   std::signal(SIGXFSZ, oldHandler_);
 }
 
-std::string Unprivileged(const std::function<std::string()>& body) {
-  if (geteuid() != 0) return body();
+namespace {
+// Runs body in a child process once enter has given it its world; gives
+// what body gives, or what enter says when it could not.
+std::string InChild(const std::function<std::string()>& enter, const std::function<std::string()>& body) {
   int pipeFds[2];
   if (pipe(pipeFds) != 0) return "no pipe";
   const pid_t pid = fork();
   if (pid < 0) return "fork failed";
   if (pid == 0) {
     close(pipeFds[0]);
-    const std::string result = DropPrivileges() ? body() : "the rights of the superuser could not be given up";
+    std::string result = enter();
+    if (result.empty()) result = body();
     if (!result.empty() && write(pipeFds[1], result.data(), result.size()) < 0) _exit(2);
     _exit(0);
   }
@@ -137,8 +140,27 @@ std::string Unprivileged(const std::function<std::string()>& body) {
   std::string result = Slurp(pipeFds[0]);
   int status = 0;
   waitpid(pid, &status, 0);
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) result += " (the unprivileged child did not end normally)";
+  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) result += " (the child did not end normally)";
   return result;
+}
+}  // namespace
+
+std::string Unprivileged(const std::function<std::string()>& body) {
+  if (geteuid() != 0) return body();
+  return InChild([] { return DropPrivileges() ? "" : "the rights of the superuser could not be given up"; }, body);
+}
+
+std::string OnSmallDisk(const std::filesystem::path& mountPoint, std::uint64_t bytes,
+                        const std::function<std::string()>& body) {
+  return InChild(
+      [&] {
+        const std::string size = "size=" + std::to_string(bytes);
+        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("kestrum-test", mountPoint.c_str(), "tmpfs", 0, size.c_str()) != 0)
+          return std::string(kNoSmallDisk);
+        return std::string();
+      },
+      body);
 }
 
 RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir,

@@ -230,5 +230,42 @@ TEST(FileSystemFaults, SaveStopsWithNothingLost) {
   }
 }
 
+TEST(FileSystemFaults, ADiskThatFillsUpKeepsTheOldFile) {
+  TempDir dir;
+  const fs::path disk = dir / "disk";
+  fs::create_directory(disk);
+  const std::string old(40 << 10, 'o');
+  const std::string result = test::OnSmallDisk(disk, 64 << 10, [&] {
+    Problems p;
+    WriteFile(disk / "prog.BIN", old);
+    // Through the Save button, replacing a listed file with 64 KiB.
+    SaveFields f;
+    f.Dir2 = disk.string();
+    f.File2 = {"prog.BIN"};
+    f.Text5 = "prog";
+    f.Text7 = "0";
+    f.Text6 = "FFFF";
+    f.Text4 = "10";
+    f.Combo1 = "Object File Only";
+    f.Combo2 = "BIN";
+    f.Combo3 = "8-8SUM";
+    Module1 m = test::MakeImage(0, 0xFFFF);
+    test::ScriptedPlatform platform;
+    MemorySettings store;
+    p.Expect(!Command5_Click(f, m, platform, store), "the dialog stays open");
+    p.Equal(platform.Texts(), {"Over Write?", "Can't write " + (disk / "prog.BIN").string() + ": No space left on device"},
+            "messages");
+    p.Expect(m.FileError == 0 && platform.pointer == vbDefault && f.Command5Enabled, "FileError, pointer, buttons");
+    // Through the command line, as HEX.
+    const auto r = test::RunProgram({KESTRUM_CLI, "--area", "0:FFFF", "save", "prog.BIN", "--format", "hex"}, disk);
+    p.Equal(r.status, 1, "status");
+    p.Equal(r.err, std::string("kestrum-cli: Can't write prog.BIN: No space left on device\n"), "words");
+    p.Expect(List(disk) == Listing{{"prog.BIN", old}}, "the old file alone, whole");
+    return p.text.str();
+  });
+  if (result == test::kNoSmallDisk) GTEST_SKIP() << result;
+  EXPECT_EQ(result, "");
+}
+
 }  // namespace
 }  // namespace kestrum
