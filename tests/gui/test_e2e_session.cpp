@@ -342,6 +342,9 @@ class TestE2eSession : public QObject {
     QVERIFY(!window.isVisible());
     QCOMPARE(settings.store.Read(kAddress, "BufFirst", ""), std::string("00010000"));
     QCOMPARE(settings.store.Read(kAddress, "BufLast", ""), std::string("0001FFFF"));
+    const std::string drive = forms::DriveOfPath(dir, forms::DriveRoots()).toStdString();
+    QVERIFY(!drive.empty());
+    for (const char* key : {"LoadDrive", "SaveDrive"}) QCOMPARE(settings.store.Read(kFilePath, key, ""), drive);
 
     // The next start: the stored area, and each dialog with what was kept.
     Module1 next;
