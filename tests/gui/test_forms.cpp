@@ -1,20 +1,29 @@
-// The seven windows as drawn: client sizes and places from the design (15
-// twips to a pixel), captions that fit in this system's font, nothing that
-// overlaps or sticks out, the same in device-independent pixels at 150 %
-// and 200 % (each factor runs this program again under QT_SCALE_FACTOR).
+// The seven windows as drawn and as used without a mouse. Drawn: client
+// sizes and places from the design (15 twips to a pixel), captions that fit
+// in this system's font, nothing that overlaps or sticks out, the same in
+// device-independent pixels at 150 % and 200 % (each factor runs this
+// program again under QT_SCALE_FACTOR). Keys: Tab follows the design's tab
+// index, Enter presses the default button and Esc does what the cancel
+// button does (the buttons whose tool tips say so), the menus open with
+// their Alt keys.
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QProcess>
 #include <QPushButton>
+#include <QSettings>
+#include <QSignalSpy>
 #include <QStyleOptionButton>
 #include <functional>
 #include <memory>
 
 #include "GuiSupport.h"
+#include "ModalSupport.h"
 #include "forms/FileLists.h"
 #include "forms/frmbufaddr.h"
 #include "forms/frmload.h"
@@ -29,7 +38,6 @@ using namespace kestrum::test;
 using forms::Px;
 
 namespace {
-
 // How a control may stand off its design place in this system's font.
 enum class Fit {
   Fixed,    // exactly the design rectangle
@@ -46,16 +54,28 @@ struct Place {
 
 Place Caption(const char* name, const char* frame, int left, int top) { return {name, frame, left, top, 0, 0, Fit::Caption}; }
 
-struct Design {
-  const char* form;
-  int width, height;
-  std::function<QWidget*(forms::AppContext&)> open;
+using Open = std::function<QWidget*(forms::AppContext&)>;
+
+template <typename F>
+Open Opener() {
+  return [](forms::AppContext& c) -> QWidget* { return new F(c); };
+}
+
+const Open Version = [](forms::AppContext&) -> QWidget* { return new forms::frmversion; };
+
+struct Form {
+  const char* name;
+  int width, height;  // of the client area, in twips
+  Open open;
   std::vector<Place> places;
+  QStringList focus;        // the controls Tab visits, from the one that has the focus at opening
+  const char* enter = "";   // the default button
+  const char* escape = "";  // the cancel button
 };
 
-const std::vector<Design>& Designs() {
-  static const std::vector<Design> designs = {
-      {"frmsumtool", 8250, 3930, [](forms::AppContext& c) -> QWidget* { return new forms::frmsumtool(c); },
+const std::vector<Form>& Forms() {
+  static const std::vector<Form> forms = {
+      {"frmsumtool", 8250, 3930, Opener<forms::frmsumtool>(),
        {{"Frame1", nullptr, 255, 210, 2685, 2070},       {"cmdload", "Frame1", 240, 270, 2160, 420},
         {"cmdsave", "Frame1", 240, 690, 2160, 420},      Caption("Label8", "Frame1", 630, 1275),
         {"Text1", "Frame1", 255, 1530, 2160, 360},       {"Frame2", nullptr, 3075, 210, 4890, 960},
@@ -66,16 +86,19 @@ const std::vector<Design>& Designs() {
         {"cmdeditminus", "Frame3", 3930, 255, 465, 465}, {"List1", "Frame3", 75, 780, 4755, 1530},
         {"Frame4", nullptr, 255, 2460, 2685, 1155},      {"txtbuffaddr", "Frame4", 1320, 300, 975, 330},
         {"txtbufladdr", "Frame4", 1320, 660, 975, 330},  Caption("Label3", "Frame4", 120, 310),
-        Caption("Label4", "Frame4", 120, 670)}},
-      {"frmload", 5565, 4725, [](forms::AppContext& c) -> QWidget* { return new forms::frmload(c); },
+        Caption("Label4", "Frame4", 120, 670)},
+       {"cmdload", "cmdsave", "cmdbufclear", "cmdblstore", "cmdbufsum", "cmdedit", "txteditaddr", "cmdeditplus",
+        "cmdeditminus", "List1"}},
+      {"frmload", 5565, 4725, Opener<forms::frmload>(),
        {{"Dir1", nullptr, 300, 795, 1950, 1455},      {"File1", nullptr, 2385, 390, 2505, 1905},
         {"Text1", nullptr, 1545, 2550, 3135, 285},    {"Text4", nullptr, 2280, 3045, 1005, 285},
         {"Text3", nullptr, 2280, 3510, 1005, 315},    Caption("Check1", nullptr, 705, 4005),
         {"Text2", nullptr, 2175, 4020, 1110, 315},    {"Command1", nullptr, 3960, 3300, 1125, 390},
         {"Command2", nullptr, 3960, 3945, 1125, 390}, {"Drive1", nullptr, 300, 405, 1965, 285},
         Caption("Label1", nullptr, 600, 2580),        Caption("Label3", nullptr, 1140, 3540),
-        Caption("Label4", nullptr, 1140, 3045)}},
-      {"frmsave", 9975, 3690, [](forms::AppContext& c) -> QWidget* { return new forms::frmsave(c); },
+        Caption("Label4", nullptr, 1140, 3045)},
+       {"Dir1", "File1", "Text4", "Text3", "Check1", "Command1", "Command2", "Drive1"}, "Command1", "Command2"},
+      {"frmsave", 9975, 3690, Opener<forms::frmsave>(),
        {{"Frame1", nullptr, 180, 120, 6495, 3315},
         {"Drive2", "Frame1", 300, 330, 2250, 285},
         {"Dir2", "Frame1", 300, 675, 2250, 1650},
@@ -96,30 +119,60 @@ const std::vector<Design>& Designs() {
         Caption("Label2", "Frame2", 165, 2025),
         {"Combo3", "Frame2", 1455, 1965, 1110, 315, Fit::Wider},
         {"Command5", nullptr, 7485, 2610, 1500, 390},
-        {"Command2", nullptr, 7485, 3135, 1500, 390}}},
-      {"frmstore", 3645, 2850, [](forms::AppContext& c) -> QWidget* { return new forms::frmstore(c); },
+        {"Command2", nullptr, 7485, 3135, 1500, 390}},
+       {"Dir2", "File2", "Text5", "Combo1", "Combo2", "Text7", "Text6", "Command5", "Command2", "Drive2"},
+       "Command5", "Command2"},
+      {"frmstore", 3645, 2850, Opener<forms::frmstore>(),
        {Caption("Label2", nullptr, 585, 330), {"Text1", nullptr, 1725, 345, 1005, 285},
         Caption("Label3", nullptr, 540, 900), {"Text2", nullptr, 1725, 870, 1005, 285},
         Caption("Label4", nullptr, 1095, 1500), {"Text3", nullptr, 1725, 1440, 1020, 285},
-        {"Command2", nullptr, 570, 2115, 960, 390}, {"Command1", nullptr, 2175, 2115, 960, 390}}},
-      {"frmsum", 6120, 3495, [](forms::AppContext& c) -> QWidget* { return new forms::frmsum(c); },
+        {"Command2", nullptr, 570, 2115, 960, 390}, {"Command1", nullptr, 2175, 2115, 960, 390}},
+       {"Text1", "Text2", "Text3", "Command2", "Command1"}, "Command2", "Command1"},
+      {"frmsum", 6120, 3495, Opener<forms::frmsum>(),
        {{"Frame1", nullptr, 225, 555, 2520, 1635},      Caption("Label7", "Frame1", 135, 450),
         {"Text6", "Frame1", 1275, 465, 1110, 315},      Caption("Label6", "Frame1", 120, 1020),
         {"Text7", "Frame1", 1275, 990, 1110, 315},      {"Frame2", nullptr, 3090, 270, 2610, 2190},
         Caption("Label8", "Frame2", 510, 420),          {"Text1", "Frame2", 1215, 375, 870, 285},
         Caption("Label5", "Frame2", 420, 960),          {"Text2", "Frame2", 1215, 930, 870, 285},
         Caption("Label4", "Frame2", 330, 1545),         {"Text3", "Frame2", 1215, 1500, 870, 285},
-        {"Command1", nullptr, 2460, 2760, 1140, 390},   {"Command2", nullptr, 4125, 2760, 1140, 390}}},
-      {"frmbufaddr", 3930, 2130, [](forms::AppContext& c) -> QWidget* { return new forms::frmbufaddr(c); },
+        {"Command1", nullptr, 2460, 2760, 1140, 390},   {"Command2", nullptr, 4125, 2760, 1140, 390}},
+       {"Text6", "Text7", "Command1", "Command2"}, "Command1", "Command2"},
+      {"frmbufaddr", 3930, 2130, Opener<forms::frmbufaddr>(),
        {{"Text1", nullptr, 1785, 390, 1005, 285}, {"Text2", nullptr, 1785, 915, 1005, 285},
         {"Cmdok", nullptr, 705, 1470, 960, 390}, {"Command1", nullptr, 2310, 1470, 960, 390},
-        Caption("Label2", nullptr, 645, 375), Caption("Label3", nullptr, 630, 945)}},
-      {"frmversion", 3780, 2175, [](forms::AppContext&) -> QWidget* { return new forms::frmversion; },
+        Caption("Label2", nullptr, 645, 375), Caption("Label3", nullptr, 630, 945)},
+       {"Text1", "Text2", "Cmdok", "Command1"}, "Cmdok", "Command1"},
+      {"frmversion", 3780, 2175, Version,
        {Caption("Label1", nullptr, 320, 285), Caption("Label4", nullptr, 2370, 285),
-        {"OK_Button", nullptr, 1290, 1470, 1335, 375}}},
+        {"OK_Button", nullptr, 1290, 1470, 1335, 375}},
+       {"OK_Button"}, "OK_Button", "OK_Button"},
   };
-  return designs;
+  return forms;
 }
+
+// A form of a fresh world, shown and active.
+struct Opened {
+  GuiWorld w;
+  std::unique_ptr<QWidget> form;
+  explicit Opened(const Form& f) {
+    w.m = MakeImage();
+    form.reset(f.open(w.ctx));
+    form->show();
+    form->activateWindow();
+    if (!QTest::qWaitForWindowActive(form.get())) qWarning("%s never became active", f.name);
+  }
+  // What a key or click left behind: the store, the dialog's state, the messages.
+  QStringList Outcome() const {
+    QStringList outcome;
+    QSettings settings(QSettings::UserScope, QString::fromLatin1(kApp), QString::fromLatin1(kApp));
+    for (const QString& key : settings.allKeys()) outcome << key + QLatin1Char('=') + settings.value(key).toString();
+    outcome << QStringLiteral("visible=%1").arg(form->isVisible());
+    for (const auto& text : w.platform.Texts()) outcome << QString::fromStdString(text);
+    return outcome;
+  }
+};
+
+QString FocusName(QWidget* form) { return form->focusWidget() ? form->focusWidget()->objectName() : QString(); }
 
 // The scale this run was started with.
 double ScaleFactor() {
@@ -155,27 +208,25 @@ QString Clipped(const QWidget* w) {
 
 }  // namespace
 
-class TestLayout : public QObject {
+class TestForms : public QObject {
   Q_OBJECT
  private slots:
   void formsFollowTheDesignAndNothingClipsOrOverlaps() {
-    for (const Design& design : Designs()) {
-      GuiWorld w;
-      const std::unique_ptr<QWidget> form(design.open(w.ctx));
-      form->show();
-      QVERIFY(QTest::qWaitForWindowExposed(form.get()));
-      const QString where = QString::fromLatin1(design.form);
+    for (const Form& design : Forms()) {
+      Opened o(design);
+      QWidget* form = o.form.get();
+      const QString where = QString::fromLatin1(design.name);
       QCOMPARE(form->devicePixelRatioF(), ScaleFactor());
       QWidget* client = form->findChild<QWidget*>(QStringLiteral("client"));
-      if (!client) client = form.get();
+      if (!client) client = form;
       QCOMPARE(client->size(), QSize(Px(design.width), Px(design.height)));
 
       std::vector<QWidget*> controls;
       for (const Place& place : design.places) {
-        auto* c = Child<QWidget>(form.get(), place.name);
+        auto* c = Child<QWidget>(form, place.name);
         const QString what = where + QLatin1Char('.') + QString::fromLatin1(place.name);
         controls.push_back(c);
-        QCOMPARE(c->parentWidget(), place.frame ? Child<QWidget>(form.get(), place.frame) : client);
+        QCOMPARE(c->parentWidget(), place.frame ? Child<QWidget>(form, place.frame) : client);
         const QRect design = forms::Twips(place.left, place.top, place.width, place.height);
         const QRect g = c->geometry();
         switch (place.fit) {
@@ -253,7 +304,113 @@ class TestLayout : public QObject {
                qPrintable(QStringLiteral("at %1:\n").arg(QString::fromLatin1(factor)) + run.readAll()));
     }
   }
+
+  void tabFollowsTheDesignsTabIndex() {
+    for (const Form& f : Forms()) {
+      Opened o(f);
+      QWidget* form = o.form.get();
+      QCOMPARE(FocusName(form), f.focus.front());
+      // The step buttons of the dump take the focus once they are enabled.
+      if (QString::fromLatin1(f.name) == QStringLiteral("frmsumtool")) {
+        QTest::mouseClick(Child<QPushButton>(form, "cmdedit"), Qt::LeftButton);
+        Child<QWidget>(form, "cmdload")->setFocus();
+      }
+      QStringList visited{FocusName(form)};
+      for (qsizetype i = 0; i < f.focus.size(); ++i) {
+        PressKey(form, Qt::Key_Tab);
+        visited << FocusName(form);
+      }
+      QCOMPARE(visited, f.focus + QStringList{f.focus.front()});
+      PressKey(form, Qt::Key_Backtab);
+      QCOMPARE(FocusName(form), f.focus.back());
+    }
+  }
+
+  void enterAndEscPressTheButtonsTheirTipsName() {
+    for (const Form& f : Forms()) {
+      if (!*f.enter) continue;
+      const QString form = QString::fromLatin1(f.name);
+      QStringList escaped;
+      {
+        Opened o(f);
+        for (auto* button : o.form->findChildren<QPushButton*>()) {
+          const QString tip = button->toolTip();
+          QCOMPARE(tip.contains(QStringLiteral("Enter")), button->objectName() == QLatin1String(f.enter));
+          QCOMPARE(tip.contains(QStringLiteral("Esc")), button->objectName() == QLatin1String(f.escape));
+        }
+        // Enter where a person types: in the first field, else where the focus is.
+        for (auto* field : o.form->findChildren<QLineEdit*>()) {
+          if (field->isEnabled() && field->isVisible()) {
+            field->setFocus();
+            break;
+          }
+        }
+        QSignalSpy pressed(Child<QPushButton>(o.form.get(), f.enter), &QPushButton::clicked);
+        PressKey(o.form.get(), Qt::Key_Return);
+        QVERIFY2(pressed.count() == 1, f.name);
+      }
+      {
+        Opened o(f);
+        PressKey(o.form.get(), Qt::Key_Escape);
+        escaped = o.Outcome();
+      }
+      Opened o(f);
+      QTest::mouseClick(Child<QPushButton>(o.form.get(), f.escape), Qt::LeftButton);
+      QCOMPARE(escaped, o.Outcome());
+      QVERIFY2(!escaped.contains(QStringLiteral("visible=1")), f.name);
+    }
+    // The main window has no default button: Enter in the dump address starts nothing.
+    Opened main(Forms().front());
+    Child<QLineEdit>(main.form.get(), "txteditaddr")->setFocus();
+    PressKey(main.form.get(), Qt::Key_Return);
+    QCOMPARE(Child<QListWidget>(main.form.get(), "List1")->count(), 0);
+  }
+
+  void enterInTheFolderListOpensTheFolderAndLoadsNothing() {
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("firmware")));
+    const QString started = QDir::currentPath();
+    QDir::setCurrent(folder.path());
+    Opened o(Forms()[1]);
+    QDir::setCurrent(started);
+    auto* dirs = Child<forms::DirListBox>(o.form.get(), "Dir1");
+    const auto found = dirs->findItems(QStringLiteral("firmware"), Qt::MatchEndsWith);
+    QCOMPARE(found.size(), 1);
+    dirs->setFocus();
+    dirs->setCurrentItem(found.front());
+    PressKey(o.form.get(), Qt::Key_Return);
+    const QString inside = forms::JoinPath(QDir::toNativeSeparators(folder.path()), QStringLiteral("firmware"));
+    QCOMPARE(dirs->Path(), inside);
+    QCOMPARE(Child<forms::FileListBox>(o.form.get(), "File1")->Path(), inside);
+    QVERIFY(o.w.platform.messages.empty());
+    QVERIFY(o.form->isVisible());
+  }
+
+  void menusOpenWithTheirAltKeysAndTheButtonsNameThem() {
+    Opened o(Forms().front());
+    auto* window = o.form.get();
+    const std::pair<Qt::Key, const char*> menus[] = {{Qt::Key_F, "mnufile"}, {Qt::Key_S, "mnusetup"}, {Qt::Key_H, "mnuhelp"}};
+    for (const auto& [key, name] : menus) {
+      window->activateWindow();
+      QVERIFY(QTest::qWaitForWindowActive(window));
+      QTest::keyClick(window, key, Qt::AltModifier);
+      QTRY_VERIFY(QApplication::activePopupWidget());
+      QCOMPARE(QApplication::activePopupWidget()->objectName(), QString::fromLatin1(name));
+      QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+      QTRY_VERIFY(!QApplication::activePopupWidget());
+      QTest::keyClick(window, Qt::Key_Escape);  // and out of the menu bar
+    }
+    // The buttons whose work the File menu also does say how to reach it.
+    const auto* file = window->findChild<QMenu*>(QStringLiteral("mnufile"));
+    for (const char* button : {"cmdload", "cmdsave"}) {
+      const QString tip = Child<QPushButton>(window, button)->toolTip();
+      QVERIFY2(tip.contains(QStringLiteral("Alt+F")), button);
+      bool named = false;
+      for (const QAction* item : file->actions()) named = named || tip.contains(item->text());
+      QVERIFY2(named, button);
+    }
+  }
 };
 
-QTEST_MAIN(TestLayout)
-#include "test_layout.moc"
+QTEST_MAIN(TestForms)
+#include "test_forms.moc"
