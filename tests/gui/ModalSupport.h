@@ -57,7 +57,6 @@ class ModalScript {
     return Then(text, [this, text, icon, title, key](QWidget* window) {
       auto* box = qobject_cast<QMessageBox*>(window);
       QVERIFY2(box, window->metaObject()->className());
-      texts << box->text();
       QCOMPARE(box->text(), text);
       QCOMPARE(box->icon(), icon);
       QCOMPARE(box->windowTitle(), title);
@@ -81,8 +80,6 @@ class ModalScript {
     steps_.clear();
     next_ = 0;
   }
-
-  QStringList texts;  // of the message boxes, in the order they came up
 
  private:
   struct Entry {

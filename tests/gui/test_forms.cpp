@@ -288,6 +288,13 @@ class TestForms : public QObject {
     }
   }
 
+  void versionWindowShowsTheNameAndVersion() {
+    forms::frmversion dialog;
+    QCOMPARE(dialog.windowTitle(), QStringLiteral("Version"));
+    QCOMPARE(Child<QLabel>(&dialog, "Label1")->text(), QStringLiteral("Kestrum"));
+    QCOMPARE(Child<QLabel>(&dialog, "Label4")->text(), QStringLiteral("Version 2.30"));
+  }
+
   void theSameAt150And200Percent() {
     if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) QSKIP("this run is one of the scaled ones");
     for (const char* factor : {"1.5", "2"}) {
