@@ -5,7 +5,8 @@
 // program again under QT_SCALE_FACTOR). Keys: Tab follows the design's tab
 // index, Enter presses the default button and Esc does what the cancel
 // button does (the buttons whose tool tips say so), the menus open with
-// their Alt keys.
+// their Alt keys. The drive, folder and file lists the load and save
+// windows are built from.
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -23,7 +24,6 @@
 #include <memory>
 
 #include "GuiSupport.h"
-#include "ModalSupport.h"
 #include "forms/FileLists.h"
 #include "forms/frmbufaddr.h"
 #include "forms/frmload.h"
@@ -205,6 +205,20 @@ QString Clipped(const QWidget* w) {
   if (list && !qobject_cast<const forms::DriveListBox*>(w)) return wider(list->sizeHint().width(), list->width());
   return {};
 }
+
+// A folder with two visible files, a hidden one and two subfolders.
+struct Tree {
+  QTemporaryDir dir;
+  Tree() {
+    const std::filesystem::path root = dir.path().toStdString();
+    WriteFile(root / "b.hex", ":00000001FF\r\n");
+    WriteFile(root / "A.bin", "x");
+    WriteFile(root / ".hidden", "x");
+    std::filesystem::create_directory(root / "sub1");
+    std::filesystem::create_directory(root / "Sub2");
+  }
+  QString path() const { return QDir::toNativeSeparators(dir.path()); }
+};
 
 }  // namespace
 
@@ -416,6 +430,86 @@ class TestForms : public QObject {
       for (const QAction* item : file->actions()) named = named || tip.contains(item->text());
       QVERIFY2(named, button);
     }
+  }
+
+  void drivesHoldTheRootAndEachPathFindsItsDrive() {
+    const QStringList roots = forms::DriveRoots();
+    QVERIFY(!roots.isEmpty());
+#ifndef Q_OS_WIN
+    QCOMPARE(roots.front(), QStringLiteral("/"));
+    const QStringList mounts{"/", "/mnt/data", "/mnt/data2"};
+    QCOMPARE(forms::DriveOfPath("/mnt/data/x", mounts), QStringLiteral("/mnt/data"));
+    QCOMPARE(forms::DriveOfPath("/mnt/data2", mounts), QStringLiteral("/mnt/data2"));
+    QCOMPARE(forms::DriveOfPath("/mnt/database", mounts), QStringLiteral("/"));
+#endif
+    forms::DriveListBox drives;
+    QVERIFY(roots.contains(drives.Drive()));
+    QSignalSpy spy(&drives, &forms::DriveListBox::Change);
+    QVERIFY(!drives.SetDrive(QStringLiteral("/no/such/root")));
+    QCOMPARE(spy.count(), 0);
+    QVERIFY(drives.SetDrive(roots.front()));
+    QCOMPARE(drives.Drive(), roots.front());
+  }
+
+  void directoryListShowsTheChainAndTheFoldersInside() {
+    Tree tree;
+    forms::DirListBox dirs;
+    QSignalSpy spy(&dirs, &forms::DirListBox::Change);
+    QVERIFY(dirs.SetPath(tree.path()));
+    QCOMPARE(dirs.Path(), tree.path());
+    QCOMPARE(spy.count(), 1);
+    QVERIFY(dirs.SetPath(tree.path()));
+    QCOMPARE(spy.count(), 1);  // the same folder again raises nothing
+
+    QStringList shown;
+    for (int i = 0; i < dirs.count(); ++i) shown << dirs.item(i)->text().trimmed();
+    QCOMPARE(shown.front(), QDir::toNativeSeparators(QDir::rootPath()));
+    QCOMPARE(shown.mid(shown.size() - 2), (QStringList{"sub1", "Sub2"}));
+    QVERIFY(dirs.currentItem()->text().trimmed() == QFileInfo(tree.dir.path()).fileName());
+
+    emit dirs.itemActivated(dirs.item(dirs.count() - 1));
+    QCOMPARE(dirs.Path(), forms::JoinPath(tree.path(), "Sub2"));
+    QCOMPARE(spy.count(), 2);
+  }
+
+  void directoryListRefusesWhatCannotBeEntered() {
+    Tree tree;
+    forms::DirListBox dirs;
+    QVERIFY(dirs.SetPath(tree.path()));
+    const QString refused[] = {forms::JoinPath(tree.path(), "missing"), forms::JoinPath(tree.path(), "A.bin"),
+                               QString()};
+    for (const QString& path : refused) {
+      QVERIFY(!dirs.SetPath(path));
+      QCOMPARE(dirs.Path(), tree.path());
+    }
+  }
+
+  void rootKeepsItsSeparator() {
+    forms::DirListBox dirs;
+    QVERIFY(dirs.SetPath(QDir::rootPath()));
+    QCOMPARE(dirs.Path(), QDir::toNativeSeparators(QDir::rootPath()));
+    QVERIFY(forms::JoinPath(dirs.Path(), "x").count(QDir::separator()) == dirs.Path().count(QDir::separator()));
+  }
+
+  void fileListShowsVisibleFilesAndThePick() {
+    Tree tree;
+    forms::FileListBox files;
+    files.SetPath(tree.path());
+    QCOMPARE(files.ListCount(), 2);
+    QCOMPARE(files.List(0), QStringLiteral("A.bin"));
+    QCOMPARE(files.List(1), QStringLiteral("b.hex"));
+    QCOMPARE(files.FileName(), QString());
+
+    QSignalSpy spy(&files, &forms::FileListBox::Click);
+    files.show();
+    const QRect place = files.visualItemRect(files.item(1));
+    QTest::mouseClick(files.viewport(), Qt::LeftButton, {}, place.center());
+    QCOMPARE(files.FileName(), QStringLiteral("b.hex"));
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy.front().front().toString(), QStringLiteral("b.hex"));
+
+    files.SetPath(tree.path());
+    QCOMPARE(files.FileName(), QString());
   }
 };
 
