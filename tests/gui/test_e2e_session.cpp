@@ -46,12 +46,6 @@ QString Row(Address address, const std::function<std::uint8_t(Address)>& byte) {
   return row;
 }
 
-QStringList Rows(const QListWidget* list) {
-  QStringList rows;
-  for (int i = 0; i < list->count(); ++i) rows << list->item(i)->text();
-  return rows;
-}
-
 // The three sums worked out here, byte by byte, as the SUM dialog shows them.
 QStringList ReferenceSums(const Module1& m, Address first, Address last) {
   unsigned bytes = 0;
@@ -201,9 +195,8 @@ class TestE2eSession : public QObject {
     Retype(editaddr, QStringLiteral("1g0z01x0"));  // through the filter
     QCOMPARE(editaddr->text(), QStringLiteral("10010"));
     Click(&window, "cmdedit");
-    QStringList page;
-    for (Address a = 0x10010; a < 0x10010 + 112; a += 16) page << Row(a, loaded);
-    QCOMPARE(Rows(list), page);
+    QCOMPARE(list->count(), 7);
+    for (int i = 0; i < 7; ++i) QCOMPARE(list->item(i)->text(), Row(0x10010 + 16 * i, loaded));
     Click(&window, "cmdeditplus");
     QCOMPARE(editaddr->text(), QStringLiteral("00010020"));
     QCOMPARE(list->item(0)->text(), Row(0x10020, loaded));
