@@ -9,11 +9,10 @@
 // the load dialog (the offset box ticked when a third part is there).
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "FuzzCheck.h"
 #include "image/Address.h"
 #include "image/KeyFilters.h"
 #include "image/Platform.h"
@@ -23,12 +22,6 @@
 using namespace kestrum;
 
 namespace {
-
-void Check(bool ok, const char* what) {
-  if (ok) return;
-  std::fprintf(stderr, "property broken: %s\n", what);
-  std::abort();
-}
 
 bool Allowed(int code, bool signs) {
   return (code >= '0' && code <= '9') || (code >= 'A' && code <= 'F') || code == 8 || code == '%' ||

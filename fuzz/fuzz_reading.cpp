@@ -24,6 +24,7 @@
 #include <string_view>
 #include <vector>
 
+#include "FuzzCheck.h"
 #include "image/Address.h"
 #include "image/Platform.h"
 #include "reading/LineReader.h"
@@ -32,12 +33,6 @@
 using namespace kestrum;
 
 namespace {
-
-void Check(bool ok, const char* what) {
-  if (ok) return;
-  std::fprintf(stderr, "property broken: %s\n", what);
-  std::abort();
-}
 
 class CountingPlatform : public Platform {
  public:

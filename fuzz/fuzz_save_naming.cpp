@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -23,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "FuzzCheck.h"
 #include "image/Address.h"
 #include "image/Platform.h"
 #include "image/Settings.h"
@@ -32,12 +32,6 @@ using namespace kestrum;
 namespace fs = std::filesystem;
 
 namespace {
-
-void Check(bool ok, const char* what) {
-  if (ok) return;
-  std::fprintf(stderr, "property broken: %s\n", what);
-  std::abort();
-}
 
 class AnsweringPlatform : public Platform {
  public:

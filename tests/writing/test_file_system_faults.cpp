@@ -118,6 +118,21 @@ TEST(FileSystemFaults, LoadStopsInOrder) {
   }
 }
 
+// The Save button's fields for the BIN file prog of 0..last in dir.
+SaveFields BinSave(const fs::path& dir, const char* last) {
+  SaveFields f;
+  f.Drive2 = "/";
+  f.Dir2 = dir.string();
+  f.Text5 = "prog";
+  f.Text7 = "0";
+  f.Text6 = last;
+  f.Text4 = "10";
+  f.Combo1 = "Object File Only";
+  f.Combo2 = "BIN";
+  f.Combo3 = "8-8SUM";
+  return f;
+}
+
 struct SaveFault {
   const char* name;
   std::function<void(const TempDir&, SaveFields&)> prepare;
@@ -183,16 +198,7 @@ TEST(FileSystemFaults, SaveStopsWithNothingLost) {
     SCOPED_TRACE(fault.name);
     TempDir dir;
     WriteFile(dir / "prog.BIN", "the old image");
-    SaveFields f;
-    f.Drive2 = "/";
-    f.Dir2 = dir.path().string();
-    f.Text5 = "prog";
-    f.Text7 = "0";
-    f.Text6 = "FF";
-    f.Text4 = "10";
-    f.Combo1 = "Object File Only";
-    f.Combo2 = "BIN";
-    f.Combo3 = "8-8SUM";
+    SaveFields f = BinSave(dir.path(), "FF");
     fault.prepare(dir, f);
     const Listing before = List(dir.path());
     const bool fills = std::string(fault.reason) == "File too large";
@@ -239,16 +245,8 @@ TEST(FileSystemFaults, ADiskThatFillsUpKeepsTheOldFile) {
     Problems p;
     WriteFile(disk / "prog.BIN", old);
     // Through the Save button, replacing a listed file with 64 KiB.
-    SaveFields f;
-    f.Dir2 = disk.string();
+    SaveFields f = BinSave(disk, "FFFF");
     f.File2 = {"prog.BIN"};
-    f.Text5 = "prog";
-    f.Text7 = "0";
-    f.Text6 = "FFFF";
-    f.Text4 = "10";
-    f.Combo1 = "Object File Only";
-    f.Combo2 = "BIN";
-    f.Combo3 = "8-8SUM";
     Module1 m = test::MakeImage(0, 0xFFFF);
     test::ScriptedPlatform platform;
     MemorySettings store;
