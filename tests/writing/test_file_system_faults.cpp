@@ -70,6 +70,12 @@ TEST(FileSystemFaults, LoadStopsInOrder) {
          f.File1 = "sub.hex";
        },
        "Is a directory"},
+      {"a pick the file list lost with a change of folder, the name box keeping it",
+       [](const TempDir&, LoadFields& f) {
+         f.Text1 = f.File1;
+         f.File1.clear();
+       },
+       "Is a directory"},
       {"a file nobody may read", [](const TempDir& d, LoadFields&) { fs::permissions(d / "x.hex", fs::perms::none); },
        "Permission denied", true},
       {"a pipe",
@@ -94,7 +100,7 @@ TEST(FileSystemFaults, LoadStopsInOrder) {
     f.Text4 = "0";
     f.Text3 = "FFFF";
     fault.prepare(dir, f);
-    f.Text1 = f.File1;
+    if (f.Text1.empty()) f.Text1 = f.File1;
     const std::string path = f.Dir1 + "/" + f.File1;
     auto check = [&] {
       Problems p;
