@@ -79,107 +79,40 @@ TEST(CliFaults, StopWithTheFileAndTheReasonInBoundedMemory) {
   while (outside.size() < 16 * kMiB) outside += ":10000000000102030405060708090A0B0C0D0E0F78\r\n";
   const std::string sum00 = "8-8bit=00 8-16bit=0000 16-16bit=8000\n";
   const CliCase cases[] = {
-      {"load of a file nobody may read",
-       [](const TempDir& d) { fs::permissions(d / "old", fs::perms::none); },
-       {"load", "old"},
-       1,
-       "",
-       "kestrum-cli: Cannot read old: Permission denied\n",
-       true},
-      {"load of a pipe",
-       [](const TempDir& d) { ASSERT_EQ(mkfifo((d / "pipe.hex").c_str(), 0600), 0); },
-       {"load", "pipe.hex"},
-       1,
-       "",
-       "kestrum-cli: Cannot read pipe.hex: not a regular file\n"},
-      {"load of a path longer than the system takes",
-       nullptr,
-       {"load", kTooLong + "/a.hex"},
-       1,
-       "",
+      {"load of a file nobody may read", [](const TempDir& d) { fs::permissions(d / "old", fs::perms::none); },
+       {"load", "old"}, 1, "", "kestrum-cli: Cannot read old: Permission denied\n", true},
+      {"load of a pipe", [](const TempDir& d) { ASSERT_EQ(mkfifo((d / "pipe.hex").c_str(), 0600), 0); },
+       {"load", "pipe.hex"}, 1, "", "kestrum-cli: Cannot read pipe.hex: not a regular file\n"},
+      {"load of a path longer than the system takes", nullptr, {"load", kTooLong + "/a.hex"}, 1, "",
        "kestrum-cli: Cannot read " + kTooLong + "/a.hex: File name too long\n"},
       {"save into a read-only folder",
-       [&](const TempDir& d) {
-         fs::permissions(d.path(), readOnly | fs::perms::owner_exec | fs::perms::others_exec);
-       },
-       {"save", "a.s", "--format", "s"},
-       1,
-       "",
-       "kestrum-cli: Can't create a.s: Permission denied\n",
-       true},
+       [&](const TempDir& d) { fs::permissions(d.path(), readOnly | fs::perms::owner_exec | fs::perms::others_exec); },
+       {"save", "a.s", "--format", "s"}, 1, "", "kestrum-cli: Can't create a.s: Permission denied\n", true},
       {"save over a read-only file",
        [&](const TempDir& d) {
          fs::permissions(d.path(), fs::perms::all);
          fs::permissions(d / "old", readOnly);
        },
-       {"save", "old", "--format", "bin"},
-       1,
-       "",
-       "kestrum-cli: Can't create old: Permission denied\n",
-       true},
-      {"ysm onto a full device",
-       nullptr,
-       {"ysm", "/dev/full", "--sum", "8-8"},
-       1,
-       "",
+       {"save", "old", "--format", "bin"}, 1, "", "kestrum-cli: Can't create old: Permission denied\n", true},
+      {"ysm onto a full device", nullptr, {"ysm", "/dev/full", "--sum", "8-8"}, 1, "",
        "kestrum-cli: Can't write /dev/full: No space left on device\n"},
-      {"save over a file when the disk fills halfway",
-       nullptr,
-       {"save", "old", "--format", "hex"},
-       1,
-       "",
-       "kestrum-cli: Can't write old: File too large\n",
-       false,
-       true},
-      {"save to a path longer than the system takes",
-       nullptr,
-       {"save", kTooLong + "/a.hex", "--format", "hex"},
-       1,
-       "",
-       "kestrum-cli: Can't create " + kTooLong + "/a.hex: File name too long\n"},
-      {"only CR characters",
-       Put("cr.hex", crs),
-       {"load", "cr.hex", "sum"},
-       1,
-       "",
-       "cr.hex:1: Format Error\n"},
-      {"only CR characters, decided by content",
-       Put("cr.dat", crs),
-       {"load", "cr.dat", "sum"},
-       0,
-       sum00.c_str(),
-       ""},
+      {"save over a file when the disk fills halfway", nullptr, {"save", "old", "--format", "hex"}, 1, "",
+       "kestrum-cli: Can't write old: File too large\n", false, true},
+      {"save to a path longer than the system takes", nullptr, {"save", kTooLong + "/a.hex", "--format", "hex"}, 1,
+       "", "kestrum-cli: Can't create " + kTooLong + "/a.hex: File name too long\n"},
+      {"only CR characters", Put("cr.hex", crs), {"load", "cr.hex", "sum"}, 1, "", "cr.hex:1: Format Error\n"},
+      {"only CR characters, decided by content", Put("cr.dat", crs), {"load", "cr.dat", "sum"}, 0, sum00.c_str(), ""},
       {"NUL bytes", Put("nul.s", nuls), {"load", "nul.s", "sum"}, 1, "", "nul.s:1: Format Error\n"},
-      {"NUL bytes, decided by content",
-       Put("nul.dat", nuls),
-       {"load", "nul.dat", "sum"},
-       0,
-       "8-8bit=00 8-16bit=0000 16-16bit=0000\n",
-       ""},
-      {"a header line of megabytes passed over",
-       Put("long.s", "S0" + longLine + "\r\nS104000012E9\r\n"),
-       {"load", "long.s", "sum"},
-       0,
-       "8-8bit=13 8-16bit=FF13 16-16bit=9300\n",
-       ""},
-      {"a record of megabytes",
-       Put("long.hex", Record(0, {0x12}) + ":" + longLine + "\r\n" + Record(1, {0x34})),
-       {"load", "long.hex", "sum"},
-       1,
-       "",
-       "long.hex:2: Format Error\n"},
-      {"a line of megabytes ended by lone LFs",
-       Put("lf.hex", std::string(4 * kMiB, '\n')),
-       {"load", "lf.hex", "sum"},
-       1,
-       "",
-       "lf.hex:1: Format Error\n"},
-      {"every record outside the range",
-       Put("outside.hex", outside),
-       {"load", "outside.hex", "sum"},
-       0,
-       sum00.c_str(),
-       ""},
+      {"NUL bytes, decided by content", Put("nul.dat", nuls), {"load", "nul.dat", "sum"}, 0,
+       "8-8bit=00 8-16bit=0000 16-16bit=0000\n", ""},
+      {"a header line of megabytes passed over", Put("long.s", "S0" + longLine + "\r\nS104000012E9\r\n"),
+       {"load", "long.s", "sum"}, 0, "8-8bit=13 8-16bit=FF13 16-16bit=9300\n", ""},
+      {"a record of megabytes", Put("long.hex", Record(0, {0x12}) + ":" + longLine + "\r\n" + Record(1, {0x34})),
+       {"load", "long.hex", "sum"}, 1, "", "long.hex:2: Format Error\n"},
+      {"a line of megabytes ended by lone LFs", Put("lf.hex", std::string(4 * kMiB, '\n')),
+       {"load", "lf.hex", "sum"}, 1, "", "lf.hex:1: Format Error\n"},
+      {"every record outside the range", Put("outside.hex", outside), {"load", "outside.hex", "sum"}, 0,
+       sum00.c_str(), ""},
   };
   const long baseline = BaselineKiB("0:FFFF");
   for (const auto& c : cases) {
@@ -230,14 +163,12 @@ TEST(CliFaults, AnAreaTheMachineCannotBackIsOutOfMemory) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    if (c.addressSpace != 0 && test::kSanitized)
-      continue;  // the sanitizer needs more address space than that
+    if (c.addressSpace != 0 && test::kSanitized) continue;  // the sanitizer needs more address space than that
     test::RunOptions options;
     options.meminfo = c.meminfo;
     options.addressSpace = c.addressSpace;
     const auto r = RunProgram({KESTRUM_CLI, "--area", c.area, "clear"}, {}, options);
-    if (r.status == test::kNoMeminfo)
-      GTEST_SKIP() << "no mount namespace to show the program another /proc/meminfo";
+    if (r.status == test::kNoMeminfo) GTEST_SKIP() << "no mount namespace to show the program another /proc/meminfo";
     EXPECT_EQ(r.status, c.status) << r.err;
     EXPECT_EQ(r.err, c.status == 0 ? "" : "kestrum-cli: Out of Memory\n");
   }
@@ -272,8 +203,7 @@ TEST(CliFaults, AHexFileOfOneGibibyte) {
   TempDir dir;
   std::uint64_t size = 0;
   {
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen((dir / "big.hex").c_str(), "wb"),
-                                                         std::fclose);
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen((dir / "big.hex").c_str(), "wb"), std::fclose);
     ASSERT_TRUE(file);
     for (unsigned i = 0; size < (std::uint64_t{1} << 30); ++i) {
       const std::string& base = bases[i % 3];
