@@ -22,8 +22,6 @@ TEST(Dump, PagesMovesAndRefusals) {
       {0, 0x7FFFF, "7FF9F", kDump, "0007FF9F", 7, 1},     // start + 96 = BufLast
       {0x1000, 0x1000, "1000", kDump, "00001000", 1, 1},  // one-byte area
       {0x1000, 0x1000, "1000", kPlus, "00001000", 1, 1},
-      {0x1000, 0x1000, "1000", kMinus, "00001000", 1, 1},
-      {0, 0x7FFFF, "0", kMinus, "00000000", 7, 16},
       {0, 0x7FFFF, "8", kMinus, "00000000", 7, 16},
       {0x100, 0x7FFFF, "110", kMinus, "00000100", 7, 16},
       {0, 0x7FFFF, "7FF80", kPlus, "0007FF90", 7, 16},
@@ -35,7 +33,6 @@ TEST(Dump, PagesMovesAndRefusals) {
       {0, 0x7FFFF, "", kDump, "", 0, 0},
       {0, 0x7FFFF, "80000", kPlus, "00080000", 0, 0},
       {0x100, 0x1FF, "F0", kDump, "000000F0", 0, 0},
-      {0x100, 0x1FF, "F0", kMinus, "000000F0", 0, 0},
       {0x100, 0x15F, "F0", kPlus, "000000F0", 0, 0},  // the area is under 97 bytes
       {0x11, 0x10, "11", kDump, "00000011", 0, 0},    // empty area
   };
