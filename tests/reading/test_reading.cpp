@@ -1,0 +1,253 @@
+// Reading object files: lines cut at any block size, the format decision, the HEX, S and BIN readers row by row, and files
+// that peer tools wrote, loaded from disk.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <random>
+#include <sstream>
+
+#include "TestSupport.h"
+#include "reading/LineReader.h"
+#include "reading/LoadObjectFile.h"
+
+namespace kestrum::test {
+namespace {
+
+constexpr Address kLast = 0x3FFFF;  // the image spans 00000000..0003FFFF
+
+TEST(ExtensionOf, TakesWhatFollowsTheFirstDot) {
+  for (const auto& [name, ext] : {std::pair{"PROG.HEX.BAK", "HEX.BAK"}, {"PROG.", ""}, {"PROG", ""}, {".S", "S"}})
+    EXPECT_EQ(ExtensionOf(name), ext) << name;
+}
+
+// A head of size bytes beginning with first, its first line end (CR or LF)
+// the byte number lineEnd counted from 1; 0 for none.
+std::string Head(char first, std::size_t size, std::size_t lineEnd, char end = '\r') {
+  std::string head(size, '0');
+  head[0] = first;
+  if (lineEnd > 0) head[lineEnd - 1] = end;
+  return head;
+}
+
+// A name without an extension that decides leaves it to the head.
+TEST(DecideFormat, FirstByteAndALineEndWithinTheProbe) {
+  const std::pair<std::string, LoadFormat> cases[] = {
+      {Head(':', 600, 523), LoadFormat::HEX},
+      {Head(':', 600, 524), LoadFormat::BIN},
+      {Head(':', 600, 523, '\n'), LoadFormat::HEX},
+      {Head('S', 600, 514), LoadFormat::S},
+      {Head('S', 600, 515), LoadFormat::BIN},
+      {Head('S', 514, 0), LoadFormat::BIN},
+      {"s9030000FC\r\n", LoadFormat::BIN},  // the raw byte counts
+  };
+  for (const auto& [head, format] : cases) EXPECT_EQ(DecideFormat("DAT", head), format) << head.substr(0, 12);
+}
+
+struct Bytes {
+  Address address;
+  std::vector<std::uint8_t> values;
+};
+
+struct LoadCase {
+  const char* name;  // the bare file name, whose extension counts
+  const char* what;
+  std::string file;
+  std::vector<Bytes> stored;  // every byte the load changes
+  const char* message = "";   // the one message box, or none
+  std::uint64_t line = 0;     // the failing record's line
+  Address first = 0, last = kLast, offset = 0;
+};
+
+std::string Lines(std::initializer_list<std::string> lines, const char* end = "\r\n") {
+  std::string text;
+  for (const auto& l : lines) text += l + end;
+  return text;
+}
+
+const std::string kHex = ":0410000001020304E2", kHexBad = ":0410000001020304E3";  // 01 02 03 04 at 1000
+const std::string kHexNext = ":0410100005060708C2";                                 // 05 06 07 08 at 1010
+const std::string kS = "S107100001020304DE", kSBad = "S107100001020304DF", kSNext = "S107101005060708BE";
+
+TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
+  const std::vector<std::uint8_t> b1234 = {1, 2, 3, 4}, b5678 = {5, 6, 7, 8};
+  std::vector<std::uint8_t> all(256);
+  for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<std::uint8_t>(i);
+  const std::string bin(all.begin(), all.end()), hex = Lines({kHex});
+  const char *H = "T.HEX", *S = "T.S", *B = "T.BIN";
+  const LoadCase cases[] = {
+      {"PROG.DAT", "content decides", hex, {{0x1000, b1234}}},
+      {"PROG.bin", "a colon in a BIN file", hex, {{0, std::vector<std::uint8_t>(hex.begin(), hex.end())}}},
+      {"PROG.Hex", "the name decides", Lines({kS}), {}, "Format Error", 1},
+      {H, "empty", "", {}},
+      {B, "empty", "", {}},
+
+      {H, "data record", hex, {{0x1000, b1234}}},
+      {H, "clipped to its last byte", hex, {{0x1003, {4}}}, "", 0, 0x1003},
+      {H, "clipped to its first byte", hex, {{0x1000, {1}}}, "", 0, 0, 0x1000},
+      {H, "offset below zero drops", hex, {{0, {3, 4}}}, "", 0, 0, kLast, -0x1002},
+      {H, "passed over: checksum untested", Lines({kHexBad}), {}, "", 0, 0, 0xFFF},
+      {H, "bad checksum stores first", Lines({kHex, kHexBad, kHexNext}), {{0x1000, b1234}}, "SUM Error", 2},
+      {H, "clipped record: checksum over all", Lines({kHexBad}), {{0x1002, {3, 4}}}, "SUM Error", 1, 0x1002},
+      {H, "segment base", Lines({":020000021000EC", kHex}), {{0x11000, b1234}}},
+      {H, "linear base FFFF", Lines({":02000004FFFFFC", kHex}), {{0x1000, b1234}}, "", 0, 0, kLast, -Address{0xFFFF0000}},
+      {H, "bad base checksum", Lines({kHex, ":020000021000ED", kHexNext}), {{0x1000, b1234}}, "SUM Error", 2},
+      {H, "base record of count 0", Lines({":00000004FC"}), {}, "Format Error", 1},
+      {H, "any start mark, lower case", Lines({" 0410000001020304e2", "x04100000010a0b0cca"}), {{0x1000, {1, 0xA, 0xB, 0xC}}}},
+      {H, "count too low", Lines({kHex, ":0310000001020304E2"}), {{0x1000, b1234}}, "Format Error", 2},
+      {H, "empty line", Lines({kHex, "", kHexNext}), {{0x1000, b1234}}, "Format Error", 2},
+      {H, "end and other types pass, checksum unread", Lines({":00000001FF", ":0100000600FF", kHex}), {{0x1000, b1234}}},
+      {H, "other type, wrong length", Lines({":0100000600"}), {}, "Format Error", 1},
+      {H, "count 0 in range, checksum tested", Lines({":00100000F0", ":00100000F1"}), {}, "SUM Error", 2},
+      {H, "record past FFFF does not wrap", Lines({":04FFFE0001020304F5"}), {{0xFFFE, b1234}}},
+      {H, "lone LF is text", Lines({kHex, kHexNext}, "\n"), {}, "Format Error", 1},
+      {H, "bad data digit stores the bytes before it", Lines({":04100000010203G4E2"}), {{0x1000, {1, 2, 3}}}, "Format Error", 1},
+
+      {S, "S2 and S1", Lines({"S20801200001020304CC", kSNext}), {{0x12000, b1234}, {0x1010, b5678}}},
+      {S, "S3 record, lower case", Lines({"s3090001200001020304cb"}), {{0x12000, b1234}}},
+      {S, "clipped at the front", Lines({kS}), {{0x1002, {3, 4}}}, "", 0, 0x1002},
+      {S, "clipped at the back", Lines({kS}), {{0x1000, {1, 2}}}, "", 0, 0, 0x1001},
+      {S, "S3 near the top with an offset", Lines({"S309FFFFFFFE01020304F1"}), {{0xFFE, b1234}}, "", 0, 0, kLast, -Address{0xFFFFF000}},
+      {S, "offset does not wrap at 32 bits", Lines({"S309FFFFFFFE01020304F1"}), {}, "", 0, 0, kLast, 2},
+      {S, "passed over: length still tested", Lines({kS + "0"}), {}, "Format Error", 1, 0, 0xFFF},
+      {S, "bad checksum stores first", Lines({kS, kSBad, kSNext}), {{0x1000, b1234}}, "SUM Error", 2},
+      {S, "other records unread", Lines({"S0", "S5zz", "S7", "S8 anything", "S9030000FF", kS}), {{0x1000, b1234}}},
+      {S, "S6", Lines({"S6030000FC"}), {}, "Format Error", 1},
+      {S, "empty line", Lines({kS, "", kSNext}), {{0x1000, b1234}}, "Format Error", 2},
+      {S, "other text", Lines({"hello"}), {}, "Format Error", 1},
+      {S, "count too low", Lines({"S106100001020304DE"}), {}, "Format Error", 1},
+      {S, "no data byte, checksum tested", Lines({"S1031000EC", "S1031000ED"}), {}, "SUM Error", 2},
+      {S, "lone LF: one long S0 line", Lines({"S00600004844521B", kS}, "\n"), {}},
+      {S, "bad address digit: the group ends", Lines({"S10710G001020304DE"}), {{0x0010, b1234}}, "Format Error", 1},
+
+      {B, "offset +10 leaves the first addresses", bin, {{0x2010, all}}, "", 0, 0x2000, kLast, 0x10},
+      {B, "negative offset drops the head", bin, {{0x2000, {all.begin() + 16, all.end()}}}, "", 0, 0x2000, kLast, -0x10},
+      {B, "offset -100 stores nothing", bin, {}, "", 0, 0x2000, kLast, -0x100},
+      {B, "first byte above LoadLast", bin, {}, "", 0, 0x2000, 0x20FF, 0x100},
+      {B, "offset and range both cut", bin, {{0x2000, {all.begin() + 8, all.begin() + 16}}}, "", 0, 0x2000, 0x2007, -8},
+      {B, "end of the area", bin, {{kLast - 3, {all.begin(), all.begin() + 4}}}, "", 0, kLast - 3},
+  };
+  for (const LoadCase& c : cases) {
+    SCOPED_TRACE(std::string(c.name) + ": " + c.what);
+    Module1 m = MakeImage(0, kLast);
+    ScriptedPlatform platform;
+    m.LoadOffset = c.offset;
+    const LoadReport report = LoadObjectBytes(m, platform, c.first, c.last, c.name, c.file);
+    std::vector<std::uint8_t> expected(kLast + 1, 0xFF);
+    for (const Bytes& b : c.stored) std::copy(b.values.begin(), b.values.end(), expected.begin() + b.address);
+    const auto wrong = std::mismatch(expected.begin(), expected.end(), m.Buffer.data()).first - expected.begin();
+    EXPECT_EQ(wrong, kLast + 1) << "the first wrong byte is at " << std::hex << wrong;
+    const bool ok = *c.message == '\0';
+    EXPECT_EQ(platform.Texts(), ok ? std::vector<std::string>{} : std::vector<std::string>{c.message});
+    EXPECT_EQ(m.FileError, ok ? 0 : -1);
+    EXPECT_EQ(report.Loaded(), ok);
+    EXPECT_EQ(report.line, c.line);
+  }
+}
+
+TEST(LoadObjectBytes, SecondLoadOverlaysTheFirst) {
+  Module1 m = MakeImage(0, kLast);
+  ScriptedPlatform platform;
+  LoadObjectBytes(m, platform, 0, kLast, "A.HEX", Lines({kHex}));
+  LoadObjectBytes(m, platform, 0, kLast, "B.S", "S1051002AABB83\r\n");
+  EXPECT_EQ(std::vector<std::uint8_t>(&m.At(0x1000), &m.At(0x1005)), (std::vector<std::uint8_t>{1, 2, 0xAA, 0xBB, 0xFF}));
+  EXPECT_TRUE(platform.messages.empty());
+}
+
+// Files that peer tools wrote give back the binary they were made from.
+TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
+  const struct {
+    const char *command, *out;  // run in a folder holding the binary IN; out the file it writes
+    Address base;
+    std::size_t size;
+    const char* message;  // "" when the load must go through
+    std::uint64_t line;   // the line of the message
+    bool bytesLoaded;     // the image holds the binary afterwards; else it is untouched
+  } cases[] = {
+      {"srec_cat IN -binary -offset 0x10000 -o OUT.hex -intel -crlf", "OUT.hex", 0x10000, 0x30000, "", 0, true},
+      {"srec_cat IN -binary -o OUT.s -motorola -address-length=2 -crlf", "OUT.s", 0, 0xF000, "", 0, true},
+      // objcopy writes extended segment records below 1 MiB, S2 records above 64 KiB.
+      {"objcopy -I binary -O ihex --change-addresses 0x10000 IN OUT.hex", "OUT.hex", 0x10000, 0x30000, "", 0, true},
+      {"objcopy -I binary -O srec --change-addresses 0x10000 IN OUT.s", "OUT.s", 0x10000, 0x30000, "", 0, true},
+      {"objcopy -I binary -O srec --srec-forceS3 IN OUT.mot", "OUT.mot", 0, 0x20000, "", 0, true},
+      // Past 65535 data records srec_cat counts them in an S6 record, a type the reader refuses: every
+      // byte is in by then. One byte a record makes a file of several reading blocks.
+      {"srec_cat IN -binary -o OUT.s -motorola -obs=1 -crlf", "OUT.s", 0, 0x20000, "Format Error", 0x20002, true},
+      // Without -crlf srec_cat ends its lines with a lone LF, which ends no line here: a HEX file is
+      // one line too long; an S file is one line that begins with its S0 header and is passed over.
+      {"srec_cat IN -binary -o OUT.hex -intel", "OUT.hex", 0, 0x1000, "Format Error", 1, false},
+      {"srec_cat IN -binary -o OUT.s -motorola", "OUT.s", 0, 0x1000, "", 0, false},
+  };
+  for (const char* tool : {"/usr/bin/srec_cat", "/usr/bin/objcopy"})
+    if (!std::filesystem::exists(tool)) GTEST_SKIP() << tool << " is not installed";
+  std::mt19937 random(1);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.command);
+    TempDir dir;
+    std::string binary(c.size, '\0');
+    for (auto& b : binary) b = static_cast<char>(random());
+    WriteFile(dir / "IN", binary);
+    const RunResult made = RunProgram({"/bin/sh", "-c", c.command}, dir.path());
+    ASSERT_EQ(made.status, 0) << made.err;
+    Module1 m = MakeImage(0, kLast);
+    ScriptedPlatform platform;
+    m.LoadFileName = (dir / c.out).string();
+    const LoadReport report = LoadObjectFile(m, platform, 0, kLast, c.out);
+    EXPECT_EQ(platform.Texts(), *c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
+    EXPECT_EQ(report.line, c.line);
+    std::string expected(kLast + 1, '\xFF');
+    if (c.bytesLoaded) expected.replace(c.base, c.size, binary);
+    EXPECT_TRUE(std::string(reinterpret_cast<const char*>(m.Buffer.data()), expected.size()) == expected);
+  }
+}
+
+TEST(LineReader, CrOrCrLfEndsALineAndALoneLfStays) {
+  using Lines = std::vector<std::string>;
+  const std::pair<std::string, Lines> cases[] = {
+      {"", {}},
+      {"a\rb", {"a", "b"}},
+      {"a\r\nb\r\n", {"a", "b"}},
+      {"a\nb", {"a\nb"}},
+      {"\r\r\n\r", {"", "", ""}},
+      {"ab\r\n\nc", {"ab", "\nc"}},
+      {std::string("a\0b\r", 4), {std::string("a\0b", 3)}},
+  };
+  // Each block size puts the line ends at other places of a block, a CR LF
+  // pair split across two blocks among them; no line here is longer than 3.
+  for (const auto& [bytes, expected] : cases) {
+    for (std::size_t block : {3, 4, 5, 7, 64}) {
+      MemorySource source(bytes);
+      LineReader reader(source, block);
+      Lines lines;
+      for (Line line; reader.Next(line);) {
+        EXPECT_TRUE(line.Whole());
+        lines.emplace_back(line.text);
+        EXPECT_EQ(reader.LineNumber(), lines.size());
+      }
+      EXPECT_EQ(lines, expected) << block << ": " << bytes;
+    }
+  }
+}
+
+// Gives its bytes, then fails.
+struct FailingSource : MemorySource {
+  using MemorySource::MemorySource;
+  std::size_t Read(std::uint8_t* dst, std::size_t count) override {
+    const std::size_t n = MemorySource::Read(dst, count);
+    if (n == 0) Fail("Input/output error");
+    return n;
+  }
+};
+
+TEST(LineReader, ReadFailureEndsWithoutAPartialLine) {
+  FailingSource source("one\r\ntwo");
+  LineReader reader(source, 4);
+  Line line;
+  ASSERT_TRUE(reader.Next(line));
+  EXPECT_EQ(line.text, "one");
+  EXPECT_FALSE(reader.Next(line));
+  EXPECT_EQ(source.Failure(), "Input/output error");
+}
+
+}  // namespace
+}  // namespace kestrum::test
