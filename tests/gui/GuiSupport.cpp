@@ -12,18 +12,15 @@ TempSettings::TempSettings() {
 
 void TypeInto(QLineEdit* edit, const QString& text) {
   edit->setFocus();
+  QTest::keyClick(edit, Qt::Key_End);
+  for (qsizetype n = edit->text().size(); n > 0; --n) QTest::keyClick(edit, Qt::Key_Backspace);
   for (QChar c : text) QTest::keyClick(edit, c.toLatin1());
 }
 
 }  // namespace kestrum::test
 
-namespace {
-
-// Runs before main constructs the application: the window tests need no
-// display unless the caller asks for a platform.
-[[maybe_unused]] const bool kPlatformChosen = [] {
+// Before main constructs the application: no display unless the caller asks for a platform.
+[[maybe_unused]] static const bool kPlatformChosen = [] {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   return true;
 }();
-
-}  // namespace

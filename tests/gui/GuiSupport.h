@@ -1,26 +1,32 @@
 #pragma once
 // Window tests: a store in a temporary folder, never the user's own, and a
-// scripted platform in place of real message boxes.
+// script that answers the real modal windows a person's action raises.
 #include <QApplication>
-#include <QDialog>
-#include <QLineEdit>
-#include <QList>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QListWidget>
 #include <QMessageBox>
-#include <QObject>
 #include <QPointer>
-#include <QString>
-#include <QStringList>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <QWidget>
 #include <functional>
-#include <memory>
 #include <vector>
 
 #include "TestSupport.h"
+#include "forms/FileLists.h"
 #include "forms/FormSupport.h"
 #include "forms/QtSeams.h"
+#include "forms/frmbufaddr.h"
+#include "forms/frmload.h"
+#include "forms/frmsave.h"
+#include "forms/frmstore.h"
+#include "forms/frmsum.h"
+#include "forms/frmsumtool.h"
+#include "forms/frmversion.h"
 
 namespace kestrum::test {
 
@@ -43,11 +49,11 @@ struct GuiWorld {
   forms::AppContext ctx{m, platform, settings.store};
 };
 
-// Types text key by key into an edit, through whatever filter it has.
+// Replaces an edit's text key by key (End, Backspace, the new text), through whatever filter it has.
 void TypeInto(QLineEdit* edit, const QString& text);
 
 // The child of parent with the given object name, failing the test if none.
-template <typename W>
+template <typename W = QWidget>
 W* Child(QWidget* parent, const char* name) {
   W* w = parent->findChild<W*>(QString::fromLatin1(name));
   if (!w) qFatal("no control named %s", name);
@@ -62,26 +68,18 @@ inline void PressKey(QWidget* window, Qt::Key key, Qt::KeyboardModifiers modifie
   QTest::keyClick(focus ? focus : window, key, modifiers);
 }
 
-// Answers the modal windows that a person's action raises, one step per
-// window, in the order they come up (the action blocks in the window's own
-// event loop, so the steps run from timers inside it). A step that presses a button raising
-// another modal window (a dialog's message box) is still running while the
-// next step answers that window: a chain of nested windows is steps in a row.
-// Each step must leave its window closed; one left open is a failure, and is
-// closed so that the scenario goes on.
+// Answers the modal windows an action raises, one step per window in the
+// order they come up; the action blocks in the window's own event loop, so
+// the steps run from timers inside it. A step that raises another modal
+// window (a dialog's message box) is still running while the next step
+// answers that one. A step must leave its window closed; one left open is a
+// failure, and is closed so that the scenario goes on.
 class ModalScript {
  public:
-  using Step = std::function<void(QWidget*)>;
-
-  ModalScript& Then(const QString& what, Step step) {
-    steps_.push_back({what, std::move(step)});
-    return *this;
-  }
-
   // The next window is a dialog of type D.
   template <typename D>
   ModalScript& Dialog(std::function<void(D*)> drive) {
-    return Then(QString::fromLatin1(D::staticMetaObject.className()), [drive](QWidget* window) {
+    return Then(D::staticMetaObject.className(), [drive](QWidget* window) {
       auto* dialog = qobject_cast<D*>(window);
       QVERIFY2(dialog, window->metaObject()->className());
       drive(dialog);
@@ -90,40 +88,35 @@ class ModalScript {
 
   // The next window is a message box with text, icon and title, answered by
   // key: Enter for its default button, Esc for its escape button.
-  ModalScript& Message(const QString& text, QMessageBox::Icon icon, const QString& title,
-                       Qt::Key key = Qt::Key_Return) {
-    return Then(text, [this, text, icon, title, key](QWidget* window) {
+  ModalScript& Message(const QString& text, QMessageBox::Icon icon, const QString& title, Qt::Key key = Qt::Key_Return) {
+    return Then(text, [text, icon, title, key](QWidget* window) {
       auto* box = qobject_cast<QMessageBox*>(window);
       QVERIFY2(box, window->metaObject()->className());
-      QCOMPARE(box->text(), text);
+      QCOMPARE(box->text() + '|' + box->windowTitle(), text + '|' + title);
       QCOMPARE(box->icon(), icon);
-      QCOMPARE(box->windowTitle(), title);
       QTest::keyClick(box, key);
     });
   }
 
-  // Runs action, then waits until every step has had its window and ended:
-  // the action may open the first window itself (a click) or leave it to the
-  // event loop (a drop). The steps are used up.
+  // Runs action (which may open the first window itself, or leave it to the
+  // event loop), then waits until every step has had its window and ended.
   void Run(const std::function<void()>& action) {
     running_ = true;
     Watch();
     action();
     const bool done = QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000);
     running_ = false;
-    for (std::size_t i = next_; i < steps_.size(); ++i) {
-      QTest::qFail(qPrintable(QStringLiteral("no window came up for: ") + steps_[i].what), __FILE__, __LINE__);
-    }
+    for (std::size_t i = next_; i < steps_.size(); ++i) QTest::qFail(qPrintable("no window came up for: " + steps_[i].first), __FILE__, __LINE__);
     if (!done && next_ == steps_.size()) QTest::qFail("a step did not end", __FILE__, __LINE__);
     steps_.clear();
     next_ = 0;
   }
 
  private:
-  struct Entry {
-    QString what;
-    Step step;
-  };
+  ModalScript& Then(const QString& what, std::function<void(QWidget*)> step) {
+    steps_.emplace_back(what, std::move(step));
+    return *this;
+  }
 
   // A fresh timer each time: a timer does not fire again while its own
   // handler blocks in a nested event loop, and a step blocks in one.
@@ -132,28 +125,22 @@ class ModalScript {
   }
 
   void Poll() {
-    QWidget* modal = QApplication::activeModalWidget();
-    bool seen = false;
-    for (const QPointer<QWidget>& old : handled_) seen = seen || old == modal;
-    if (!modal || !modal->isVisible() || seen || next_ >= steps_.size()) {
-      Watch();
-      return;
-    }
-    handled_.push_back(modal);
-    const Entry& entry = steps_[next_++];
+    QPointer<QWidget> window = QApplication::activeModalWidget();
+    if (!window || !window->isVisible() || handled_.contains(window) || next_ >= steps_.size()) return Watch();
+    handled_ << window;
+    const auto& [what, step] = steps_[next_++];
     ++busy_;
     Watch();
-    QPointer<QWidget> window = modal;
     if (!QTest::qWaitForWindowExposed(window)) QTest::qFail("a window never showed", __FILE__, __LINE__);
-    entry.step(window);
+    step(window);
     if (window && window->isVisible()) {
-      QTest::qFail(qPrintable(QStringLiteral("left open: ") + entry.what), __FILE__, __LINE__);
+      QTest::qFail(qPrintable("left open: " + what), __FILE__, __LINE__);
       if (auto* dialog = qobject_cast<QDialog*>(window.data())) dialog->reject();
     }
     --busy_;
   }
 
-  std::vector<Entry> steps_;
+  std::vector<std::pair<QString, std::function<void(QWidget*)>>> steps_;
   std::size_t next_ = 0;
   int busy_ = 0;
   bool running_ = false;
