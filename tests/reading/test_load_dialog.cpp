@@ -45,7 +45,6 @@ TEST(LoadDialog, RefusesTheFirstBadFieldOrTakesTheSignedOffset) {
       {"app.hex", "0", "7FFFF", "123456789", "OffsetAddress Error!", "0", 0},
       {"app.hex", "80000", "90000", nullptr, "First Address Error!", "00080000", 0},
       {"app.hex", "2000", "1FFF", nullptr, "Address Error!", "00002000", 0},
-      {"app.hex", "0", "7FFFF", "12345678", "Load Complete!", "00000000", 305419896},
       {"app.hex", "0", "7FFFF", "-FFFFFFFF", "Load Complete!", "00000000", -4294967295},
       {"app.hex", "0", "7FFFF", "-", "Load Complete!", "00000000", 0},
       {"app.hex", "0", "7FFFF", nullptr, "Load Complete!", "00000000", 0},
