@@ -212,7 +212,7 @@ TEST(Cli, FaultsAndHostileFilesStopInBoundedMemory) {
     argv.insert(argv.end(), {"save", "after", "--format", "bin"});
     std::optional<test::FileSizeLimit> limit;
     if (c.fault == kDiskFills) limit.emplace(4096);
-    const auto r = RunProgram(argv, dir.path(), {.unprivileged = c.fault == kReadOnlyFolder});
+    const auto r = RunProgram(argv, dir.path(), {.unprivileged = c.fault == kReadOnlyFolder, .meminfo = {}});
     limit.reset();
     EXPECT_EQ(r.status, c.status);
     EXPECT_EQ(c.status == 0 ? r.out : r.err, c.words);
@@ -231,10 +231,10 @@ TEST(Cli, AHexFileOfOneGibibyteInBoundedMemory) {
   // the bases 0000, 0001 and 0002 until the file passes 1 GiB; the area
   // takes the first two of them.
   TempDir dir;
-  Module1 m = test::MakeImage(0, 0xFFFF);
-  for (Address a = 0; a <= 0xFFFF; ++a) m.At(a) = static_cast<std::uint8_t>(a);
-  test::ScriptedPlatform platform;
-  ASSERT_EQ(SaveHexFile(m, platform, (dir / "block.hex").string()), SaveOutcome::Done);
+  std::string bytes(0x10000, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i);
+  WriteFile(dir / "block.bin", bytes);
+  ASSERT_EQ(RunProgram(Cli({"--area", "0:FFFF", "load", "block.bin", "save", "block.hex", "--format", "hex"}), dir.path()).status, 0);
   std::string block = ReadFile(dir / "block.hex");
   block.resize(block.size() - std::strlen(":00000001FF\r\n"));
   const char* bases[] = {":020000040000FA\r\n", ":020000040001F9\r\n", ":020000040002F8\r\n"};
