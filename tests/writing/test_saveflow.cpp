@@ -1,3 +1,6 @@
+// The save dialog: the Save button's refusals in their order, the files it
+// names and writes, its prompts before a listed file, the settings it stores
+// only after a success, what a failed save leaves, and what the dialog opens with.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -5,6 +8,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "TestSupport.h"
@@ -32,12 +36,11 @@ class Platform : public test::ScriptedPlatform {
 
 // The fields a case changes; the others keep World's.
 struct Change {
-  const char *text7 = nullptr, *text6 = nullptr, *text4 = nullptr, *combo1 = nullptr, *combo2 = nullptr,
-             *combo3 = nullptr, *text5 = nullptr;
+  const char *text7 = "0", *text6 = "FF", *text4 = "10", *combo1 = kObject, *combo2 = "BIN", *combo3 = "8-8SUM",
+             *text5 = "prog";
 };
 
-// A save dialog over a 0..7FFFF image whose bytes differ from FF: prog as
-// BIN, Object File Only, 00000000..000000FF.
+// A save dialog over a 0..7FFFF image whose bytes differ from FF, in a folder of its own.
 struct World {
   test::TempDir dir;
   Module1 m = test::MakeImage();
@@ -47,15 +50,8 @@ struct World {
 
   explicit World(const Change& c = {}) {
     for (Address a = 0; a <= m.BufLast; ++a) m.At(a) = static_cast<std::uint8_t>(a ^ (a >> 8));
-    f.Drive2 = "/";
-    f.Dir2 = dir.path().string();
-    f.Text5 = c.text5 ? c.text5 : "prog";
-    f.Text7 = c.text7 ? c.text7 : "0";
-    f.Text6 = c.text6 ? c.text6 : "FF";
-    f.Text4 = c.text4 ? c.text4 : "10";
-    f.Combo1 = c.combo1 ? c.combo1 : kObject;
-    f.Combo2 = c.combo2 ? c.combo2 : "BIN";
-    f.Combo3 = c.combo3 ? c.combo3 : "8-8SUM";
+    f = {.Drive2 = "/", .Dir2 = dir.path().string(), .File2 = {}, .Text5 = c.text5, .Text7 = c.text7, .Text6 = c.text6,
+         .Text4 = c.text4, .Combo1 = c.combo1, .Combo2 = c.combo2, .Combo3 = c.combo3};
   }
   bool Save() { return Command5_Click(f, m, platform, store); }
   std::set<std::string> Files() const {
@@ -64,8 +60,7 @@ struct World {
     return names;
   }
   std::string Bytes(Address first, Address last) const {
-    return std::string(reinterpret_cast<const char*>(m.Buffer.data() + (first - m.BufFirst)),
-                       static_cast<std::size_t>(last - first + 1));
+    return std::string(reinterpret_cast<const char*>(m.Buffer.data() + (first - m.BufFirst)), static_cast<std::size_t>(last - first + 1));
   }
   // Pointer and buttons are back, whatever the way out was.
   void ExpectReady() const {
@@ -74,30 +69,31 @@ struct World {
   }
 };
 
+// The words of text between blanks.
+std::vector<std::string> Words(const std::string& text) {
+  std::vector<std::string> words;
+  std::istringstream s(text);
+  for (std::string word; s >> word;) words.push_back(word);
+  return words;
+}
+
 TEST(SaveFlow, RefusalsInTheirOrder) {
   const struct {
-    Change change;
-    const char* notice;
-    const char* text7;  // Text7 after the refusal
+    Change change;  // each holds the faults of the later rows as well
+    const char *notice, *text7;  // Text7 after the refusal
   } cases[] = {
-      // Each case holds the faults of the later ones as well.
       {{.text7 = "", .text6 = ""}, "FirstAddress Error!", ""},
       {{.text7 = "1", .text6 = "", .text4 = ""}, "LastAddress Error!", "1"},  // not padded yet
       {{.text7 = "90000", .text6 = "80000", .text4 = "", .combo2 = "HEX"}, "Address Error!", "00090000"},
       {{.text7 = "80000", .text6 = "90000", .text4 = "0", .combo2 = "S"}, "RecordLength Error!", "00080000"},
       {{.text7 = "80000", .text6 = "90000"}, "FirstAddress Error!", "00080000"},
       {{.text7 = "1", .text6 = "80000", .text5 = ""}, "LastAddress Error!", "00000001"},
-      {{.text4 = ".5", .combo2 = "HEX"}, "RecordLength Error!", "00000000"},
-      {{.text4 = "100", .combo2 = "HEX"},
-       "RecordLength Error!",
-       "00000000"},  // only stored text has 3 digits
+      {{.text4 = "100", .combo2 = "HEX"}, "RecordLength Error!", "00000000"},  // only stored text has 3 digits
       {{.text4 = "", .combo1 = kYsm, .combo2 = "HEX"}, "RecordLength Error!", "00000000"},
       {{.combo1 = "", .combo2 = "", .combo3 = "", .text5 = ""}, "Enter or Select File Name!", "00000000"},
       {{.combo1 = "", .combo2 = "", .combo3 = ""}, "Format Error!", "00000000"},
       {{.combo1 = "", .combo3 = "", .text5 = "prog.S"}, "File Type Error!", "00000000"},
-      {{.combo3 = "", .text5 = "prog.S"},
-       "YSM File Format Error!",
-       "00000000"},  // though no YSM file is made
+      {{.combo3 = "", .text5 = "prog.S"}, "YSM File Format Error!", "00000000"},  // though no YSM file is made
       {{.text5 = "prog.hEx"}, "Extension Error!", "00000000"},
       {{.combo1 = kPair, .combo2 = "S", .text5 = "prog.hex"}, "Extension Error!", "00000000"},
   };
@@ -109,56 +105,31 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
     EXPECT_EQ(w.platform.pointersAtMessages, std::vector<int>{vbDefault});
     EXPECT_EQ(w.f.Text7, c.text7);
     w.ExpectReady();
-    EXPECT_TRUE(w.Files().empty());
-    EXPECT_TRUE(w.store.values.empty());
+    EXPECT_TRUE(w.Files().empty() && w.store.values.empty());
   }
-}
-
-TEST(SaveFlow, RangeAndRecordLengthAreSetBeforeTheTests) {
+  // The range and record length are taken before they are judged.
   World w({.text7 = "90000", .text6 = "80000", .text4 = "2A"});
   EXPECT_FALSE(w.Save());
-  EXPECT_EQ(w.m.SaveFirst, 0x90000);
-  EXPECT_EQ(w.m.SaveLast, 0x80000);
-  EXPECT_EQ(w.m.RecordLength, 0x2A);
-  EXPECT_EQ(w.f.Text6, "00080000");
-}
-
-// The words of text between the separators.
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> words;
-  std::stringstream s(text);
-  for (std::string word; std::getline(s, word, separator);) words.push_back(word);
-  return words;
+  EXPECT_EQ(std::tuple(w.m.SaveFirst, w.m.SaveLast, w.m.RecordLength, w.f.Text6), std::tuple(0x90000, 0x80000, 0x2A, "00080000"));
 }
 
 TEST(SaveFlow, NamesAndContentOfTheFiles) {
   const struct {
     Change change;
-    const char *object, *ysm;    // the files written, "" for none
-    const char *text5, *notice;  // the notice less " File Save Complete!"
+    const char *object, *ysm, *text5, *notice;  // the files written, "" for none; notice less " File Save Complete!"
   } cases[] = {
       {{.combo2 = "HEX"}, "prog.HEX", "", "prog.HEX", "HEX"},
       {{.combo2 = "S", .text5 = "prog.txt"}, "prog.txt", "", "prog.txt", "S"},
-      {{.combo2 = "S", .text5 = "prog.YSM"}, "prog.YSM", "", "prog.YSM", "S"},
-      {{.text5 = "prog.dat"}, "prog.dat", "", "prog.dat", "BIN"},
       {{.text5 = "prog.bin"}, "prog.bin", "", "prog.bin", "BIN"},
       {{.text5 = "abc."}, "abc..BIN", "", "abc..BIN", "BIN"},
       {{.text4 = ""}, "prog.BIN", "", "prog.BIN", "BIN"},  // BIN takes any record length
-      {{.text4 = "0"}, "prog.BIN", "", "prog.BIN", "BIN"},
-      {{.text4 = ".5"}, "prog.BIN", "", "prog.BIN", "BIN"},
-      {{.text7 = "80", .text6 = "80"}, "prog.BIN", "", "prog.BIN", "BIN"},
+      {{.text7 = "80", .text6 = "80"}, "prog.BIN", "", "prog.BIN", "BIN"},  // one byte
       {{.combo1 = kYsm, .combo2 = "HEX", .text5 = "prog.hex"}, "", "prog.hex", "prog.hex", "YSM"},
       {{.combo1 = kYsm}, "", "prog.YSM", "prog.YSM", "YSM"},
       {{.combo1 = kPair, .combo2 = "S"}, "prog.S", "prog.YSM", "prog.S", "S and YSM"},
-      {{.combo1 = kPair, .combo2 = "S", .text5 = "prog.YSM"}, "prog.S", "prog.YSM", "prog.YSM", "S and YSM"},
       {{.combo1 = kPair, .combo3 = "16-16sum"}, "prog.BIN", "prog.YSM", "prog.BIN", "BIN and YSM"},
-      {{.combo1 = kPair, .text5 = "prog.bin"}, "prog.bin", "prog.YSM", "prog.bin", "BIN and YSM"},
       {{.combo1 = kPair, .text5 = "a.b.c"}, "a.b.c", "a.YSM", "a.b.c", "BIN and YSM"},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.ysm"},
-       "prog.HEX",
-       "prog.ysm",
-       "prog.ysm",
-       "HEX and YSM"},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.ysm"}, "prog.HEX", "prog.ysm", "prog.ysm", "HEX and YSM"},
   };
   for (const auto& c : cases) {
     World w(c.change);
@@ -175,27 +146,18 @@ TEST(SaveFlow, NamesAndContentOfTheFiles) {
       EXPECT_EQ(w.platform.pointersAtMessages, std::vector<int>{vbHourglass});
       w.ExpectReady();
     }
-    if (*c.object) {
-      const std::string text = ReadFile(w.dir / c.object);
-      if (w.f.Combo2 == "BIN") {
-        EXPECT_TRUE(text == w.Bytes(w.m.SaveFirst, w.m.SaveLast));
-      } else {
-        EXPECT_EQ(text.substr(0, 2), w.f.Combo2 == "HEX" ? ":1" : "S1");
-      }
-    }
-    if (*c.ysm) {
-      EXPECT_EQ(ReadFile(w.dir / c.ysm).size(), w.f.Combo3 == "8-8SUM" ? 52u : 54u);
-    }
+    const std::string object = *c.object ? ReadFile(w.dir / c.object) : "";
+    const std::string start = w.f.Combo2 == "HEX" ? ":1" : "S1";
+    EXPECT_TRUE(!*c.object || (w.f.Combo2 == "BIN" ? object == w.Bytes(w.m.SaveFirst, w.m.SaveLast) : object.substr(0, 2) == start));
+    EXPECT_EQ(*c.ysm ? ReadFile(w.dir / c.ysm).size() : 0u, !*c.ysm ? 0u : w.f.Combo3 == "8-8SUM" ? 52u : 54u);
   }
 }
 
 TEST(SaveFlow, PromptsBeforeAListedFile) {
   const struct {
     Change change;
-    const char* listed;   // names, one blank between
-    const char* answers;  // Y or N for each prompt
-    const char* asked;    // the names a pair's prompts name
-    const char* notice;   // the notice less " File Save Complete!"; "" when the dialog stays open
+    const char *listed, *answers;  // Y or N for each prompt
+    const char *asked, *notice;  // the names a pair's prompts name; "" when the dialog stays open
     std::size_t binSize;  // of prog.BIN afterwards; the old one is 300 bytes
   } cases[] = {
       {{}, "other.BIN", "", "", "BIN", 300},  // not listed: the old file keeps its end
@@ -205,42 +167,30 @@ TEST(SaveFlow, PromptsBeforeAListedFile) {
       {{.combo1 = kPair}, "prog.BIN prog.YSM", "YN", "prog.BIN prog.YSM", "", 300},
       {{.combo1 = kPair}, "prog.BIN prog.YSM", "N", "prog.BIN", "", 300},
       {{.combo1 = kPair}, "prog.YSM", "Y", "prog.YSM", "BIN and YSM", 300},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"},
-       "prog.HEX prog.ysm",
-       "YN",
-       "prog.HEX prog.YSM",
-       "",
-       300},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.txt"},
-       "PROG.TXT prog.YSM",
-       "YN",
-       "prog.txt prog.YSM",
-       "",
-       300},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"}, "prog.HEX prog.ysm", "YN", "prog.HEX prog.YSM", "", 300},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.txt"}, "PROG.TXT prog.YSM", "YN", "prog.txt prog.YSM", "", 300},
   };
   for (const auto& c : cases) {
     World w(c.change);
     SCOPED_TRACE(w.f.Combo1 + " " + w.f.Text5 + " " + c.answers);
     test::WriteFile(w.dir / "prog.BIN", std::string(300, 'x'));
-    w.f.File2 = Split(c.listed, ' ');
+    w.f.File2 = Words(c.listed);
     for (const char* a = c.answers; *a; ++a) w.platform.answers.push_back(*a == 'Y' ? vbYes : vbNo);
     const bool closes = *c.notice != '\0';
     EXPECT_EQ(w.Save(), closes);
     std::vector<test::Message> expected;
     if (w.f.Combo1 == kObject && *c.answers) expected.push_back({"Over Write?", vbExclamationYesNo, "Save"});
-    for (const auto& name : Split(c.asked, ' '))
-      expected.push_back({name + " File Over Write?", vbExclamationYesNo, "Save"});
-    for (std::size_t i = 0; i < expected.size(); ++i)
-      EXPECT_EQ(w.platform.pointersAtMessages.at(i), vbDefault);
+    for (const auto& name : Words(c.asked)) expected.push_back({name + " File Over Write?", vbExclamationYesNo, "Save"});
+    std::vector<int> pointers(expected.size(), vbDefault);  // the prompts' pointer, then the notice's
     if (closes) expected.push_back({c.notice + std::string(" File Save Complete!"), vbOKOnly, ""});
+    if (closes) pointers.push_back(vbHourglass);
     EXPECT_EQ(w.platform.messages, expected);
+    EXPECT_EQ(w.platform.pointersAtMessages, pointers);
     w.ExpectReady();
     const std::string bin = ReadFile(w.dir / "prog.BIN");
     EXPECT_EQ(bin.size(), c.binSize);
     EXPECT_EQ(bin.substr(0, 256), closes ? w.Bytes(0, 0xFF) : std::string(256, 'x'));
-    if (!closes) {
-      EXPECT_EQ(w.Files(), std::set<std::string>{"prog.BIN"});
-    }
+    EXPECT_TRUE(closes || w.Files() == std::set<std::string>{"prog.BIN"}) << "nothing written after a No";
     EXPECT_EQ(w.store.values.empty(), !closes);
   }
 }
@@ -250,13 +200,11 @@ TEST(SaveFlow, SettingsStoredOnlyAfterSuccess) {
   w.f.Drive2 = "/home";
   ASSERT_TRUE(w.Save());
   MemorySettings expected;
-  const std::array<const char*, 3> values[] = {
-      {kAddress, "SaveFirst", "00000000"},  {kAddress, "SaveLast", "000000FF"},
-      {kAddress, "RecordLength", "2"},      {kFormat, "FileType", kPair},
-      {kFormat, "ObjectFileFormat", "HEX"}, {kFormat, "YSMFileFormat", "8-16SUM"},
-      {kFilePath, "SaveDrive", "/home"}};
+  const std::array<std::string, 3> values[] = {
+      {kAddress, "SaveFirst", "00000000"}, {kAddress, "SaveLast", "000000FF"}, {kAddress, "RecordLength", "2"},
+      {kFormat, "FileType", kPair}, {kFormat, "ObjectFileFormat", "HEX"}, {kFormat, "YSMFileFormat", "8-16SUM"},
+      {kFilePath, "SaveDrive", "/home"}, {kFilePath, "SaveDir", w.dir.path().string()}};
   for (const auto& [section, key, value] : values) expected.Write(section, key, value);
-  expected.Write(kFilePath, "SaveDir", w.dir.path().string());
   EXPECT_EQ(w.store.values, expected.values);
 }
 
@@ -272,77 +220,56 @@ TEST(SaveFlow, AFailedSFileThenAHexSave) {
     EXPECT_EQ(ReadFile(w.dir / "prog.S"), "");
     const bool pair = type == kPair;
     EXPECT_EQ(fs::exists(w.dir / "prog.YSM"), pair);  // written whatever became of the S file
-
     w.platform.messages.clear();
     w.f.Combo2 = "HEX";
     w.f.Text5 = "prog";
     EXPECT_TRUE(w.Save());
-    EXPECT_EQ(w.platform.Texts(),
-              std::vector<std::string>{pair ? "HEX and YSM File Save Complete!" : "HEX File Save Complete!"});
+    EXPECT_EQ(w.platform.Texts(), std::vector<std::string>{pair ? "HEX and YSM File Save Complete!" : "HEX File Save Complete!"});
   }
 }
 
+// The writers' faults are theirs; the Save button shows them, stays open and stores nothing.
 TEST(SaveFlow, FileSystemFailuresNameTheFile) {
   const struct {
-    const char *dir2, *text5, *combo1;  // dir2 is added to the test's folder
-    const char* message;                // what the last message holds behind the folder
+    Change change;
+    const char *dir2, *message, *files;  // dir2 is added to the test's folder; prog.S stands for a full device
   } cases[] = {
-      {"/gone", "prog", kObject, "/gone/prog.BIN: No such file or directory"},
-      {"/gone", "prog", kPair, "/gone/prog.YSM: No such file or directory"},  // each file says it
-      {"", "sub/prog", kObject, "/sub/prog: a file name can't hold a folder."},
-      {"/", "x/y", kObject, "/x/y: a file name can't hold a folder."},  // a root gets no second separator
+      {{.combo1 = kPair, .combo2 = "S"}, "", "/prog.S: No space left on device", "prog.S prog.YSM sub"},  // the YSM file all the same
+      {{}, "/gone", "/gone/prog.BIN: No such file or directory", "prog.S sub"},
+      {{.combo1 = kPair}, "/gone", "/gone/prog.YSM: No such file or directory", "prog.S sub"},  // each file says it
+      {{.text5 = "sub/prog"}, "", "/sub/prog: a file name can't hold a folder.", "prog.S sub"},
+      {{.text5 = "x/y"}, "/", "/x/y: a file name can't hold a folder.", "prog.S sub"},  // a root gets no second separator
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.dir2) + " " + c.text5);
-    World w({.combo1 = c.combo1, .text5 = c.text5});
+    World w(c.change);
+    SCOPED_TRACE(c.message);
     fs::create_directory(w.dir / "sub");
+    fs::create_symlink("/dev/full", w.dir / "prog.S");
     w.f.Dir2 += c.dir2;
     EXPECT_FALSE(w.Save());
     ASSERT_FALSE(w.platform.messages.empty());
-    const std::string& last = w.platform.messages.back().text;
-    EXPECT_NE(last.find(w.dir.path().string() + c.message), std::string::npos) << last;
+    EXPECT_NE(w.platform.messages.back().text.find(w.dir.path().string() + c.message), std::string::npos);
     for (const auto& m : w.platform.messages) EXPECT_EQ(m.text.find("Complete"), std::string::npos);
     w.ExpectReady();
     EXPECT_EQ(w.m.FileError, 0);
     EXPECT_TRUE(w.store.values.empty());
-    EXPECT_EQ(w.Files(), std::set<std::string>{"sub"});
+    const std::vector<std::string> files = Words(c.files);
+    EXPECT_EQ(w.Files(), std::set<std::string>(files.begin(), files.end()));
   }
 }
 
 TEST(SaveFlow, Opening) {
-  auto fields = [](const char* text7, const char* text6, const char* text4, const char* combo1,
-                   const char* combo2, const char* combo3, bool combo2On, bool combo3On, bool text4On) {
-    SaveFields f;
-    f.Text7 = text7, f.Text6 = text6, f.Text4 = text4, f.Combo1 = combo1, f.Combo2 = combo2,
-    f.Combo3 = combo3;
-    f.Combo2Enabled = combo2On, f.Combo3Enabled = combo3On, f.Text4Enabled = text4On;
-    return f;
-  };
-  const SaveFields first = fields("00001000", "0001FFFF", "10", kObject, "BIN", "8-8SUM", true, false, false);
   const struct {
     std::vector<std::array<const char*, 3>> stored;  // section, key, value
-    SaveFields expected;
-    std::string drive, dir;
+    const char* shown;  // Text7 Text6 Text4 Combo1 Combo2 Combo3, the three lists enabled, drive and folder
   } cases[] = {
-      {{}, first, "", ""},
-      {{{kAddress, "SaveFirst", "00000010"},
-        {kAddress, "SaveLast", "20"},
-        {kAddress, "RecordLength", "8"},
-        {kFormat, "FileType", "ysm file only"},  // matched ignoring case
-        {kFormat, "ObjectFileFormat", "hex"},
-        {kFormat, "YSMFileFormat", "16-16SUM"}},
-       fields("00000010", "20", "8", kYsm, "HEX", "16-16SUM", false, true, true),
-       "",
-       ""},
-      // A type that is no item leaves the combo empty and every list enabled.
-      {{{kFormat, "FileType", "Everything"},
-        {kFormat, "ObjectFileFormat", "ELF"},
-        {kFormat, "YSMFileFormat", "CRC"}},
-       fields("00001000", "0001FFFF", "10", "", "", "", true, true, true),
-       "",
-       ""},
-      {{{kFilePath, "SaveDir", "/tmp"}}, first, "", ""},  // a folder without a drive is not applied
-      {{{kFilePath, "SaveDrive", "/"}, {kFilePath, "SaveDir", "/tmp"}}, first, "/", "/tmp"},
+      {{}, "00001000|0001FFFF|10|Object File Only|BIN|8-8SUM|100||"},
+      {{{kAddress, "SaveFirst", "00000010"}, {kAddress, "SaveLast", "20"}, {kAddress, "RecordLength", "8"},
+        {kFormat, "FileType", "ysm file only"}, {kFormat, "ObjectFileFormat", "hex"}, {kFormat, "YSMFileFormat", "16-16SUM"}},
+       "00000010|20|8|YSM File Only|HEX|16-16SUM|011||"},  // matched ignoring case
+      {{{kFormat, "FileType", "Everything"}, {kFormat, "ObjectFileFormat", "ELF"}, {kFormat, "YSMFileFormat", "CRC"}},
+       "00001000|0001FFFF|10||||111||"},  // no item: the combo empty and every list enabled
+      {{{kFilePath, "SaveDrive", "/"}, {kFilePath, "SaveDir", "/tmp"}}, "00001000|0001FFFF|10|Object File Only|BIN|8-8SUM|100|/|/tmp"},
   };
   for (const auto& c : cases) {
     Module1 m = test::MakeImage(0x1000, 0x1FFFF);
@@ -351,9 +278,11 @@ TEST(SaveFlow, Opening) {
     SaveFields f;
     f.Text5 = "left from before";
     const SavePlaces places = cmdsave_Click(f, m, store);
-    EXPECT_EQ(f, c.expected);
-    EXPECT_EQ(places.drive, c.drive);
-    EXPECT_EQ(places.dir, c.dir);
+    std::ostringstream shown;
+    shown << f.Text7 << '|' << f.Text6 << '|' << f.Text4 << '|' << f.Combo1 << '|' << f.Combo2 << '|' << f.Combo3 << '|'
+          << f.Combo2Enabled << f.Combo3Enabled << f.Text4Enabled << '|' << places.drive << '|' << places.dir;
+    EXPECT_EQ(shown.str(), c.shown);
+    EXPECT_EQ(f.Text5, "");
   }
 }
 

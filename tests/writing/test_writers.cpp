@@ -23,9 +23,9 @@ namespace kestrum {
 namespace {
 
 namespace fs = std::filesystem;
-using ReadFile;
-using ScriptedPlatform;
-using TempDir;
+using test::ReadFile;
+using test::ScriptedPlatform;
+using test::TempDir;
 
 constexpr int kElevens = -1;    // 00 11 22 ... FF from the first address on
 constexpr int kSumSample = -2;  // FF, but 12 34 56 78 9A BC DE F0 at 00001000
