@@ -5,6 +5,7 @@
 
 #include <array>
 #include <filesystem>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -208,51 +209,34 @@ TEST(SaveFlow, SettingsStoredOnlyAfterSuccess) {
   EXPECT_EQ(w.store.values, expected.values);
 }
 
-TEST(SaveFlow, AFailedSFileThenAHexSave) {
-  for (const char* type : {kObject, kPair}) {
-    SCOPED_TRACE(type);
-    World w({.text6 = "1FF", .text4 = "FD", .combo1 = type, .combo2 = "S"});
-    EXPECT_FALSE(w.Save());
-    EXPECT_EQ(w.platform.Texts(), std::vector<std::string>{"Record Length Error!"});
-    EXPECT_EQ(w.m.FileError, 0);
-    EXPECT_TRUE(w.store.values.empty());
-    w.ExpectReady();
-    EXPECT_EQ(ReadFile(w.dir / "prog.S"), "");
-    const bool pair = type == kPair;
-    EXPECT_EQ(fs::exists(w.dir / "prog.YSM"), pair);  // written whatever became of the S file
-    w.platform.messages.clear();
-    w.f.Combo2 = "HEX";
-    w.f.Text5 = "prog";
-    EXPECT_TRUE(w.Save());
-    EXPECT_EQ(w.platform.Texts(), std::vector<std::string>{pair ? "HEX and YSM File Save Complete!" : "HEX File Save Complete!"});
-  }
-}
-
-// The writers' faults are theirs; the Save button shows them, stays open and stores nothing.
-TEST(SaveFlow, FileSystemFailuresNameTheFile) {
+// The writers' faults are theirs; the Save button shows them, stays open, stores nothing and writes a pair's YSM
+// file all the same.
+TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
   const struct {
     Change change;
-    const char *dir2, *message, *files;  // dir2 is added to the test's folder; prog.S stands for a full device
+    const char *dir2, *message, *files;  // dir2 is added to the test's folder (@ in message); full.S stands for a full device
   } cases[] = {
-      {{.combo1 = kPair, .combo2 = "S"}, "", "/prog.S: No space left on device", "prog.S prog.YSM sub"},  // the YSM file all the same
-      {{}, "/gone", "/gone/prog.BIN: No such file or directory", "prog.S sub"},
-      {{.combo1 = kPair}, "/gone", "/gone/prog.YSM: No such file or directory", "prog.S sub"},  // each file says it
-      {{.text5 = "sub/prog"}, "", "/sub/prog: a file name can't hold a folder.", "prog.S sub"},
-      {{.text5 = "x/y"}, "/", "/x/y: a file name can't hold a folder.", "prog.S sub"},  // a root gets no second separator
+      {{.combo1 = kPair, .combo2 = "S", .text5 = "full"}, "", "@/full.S: No space left on device", "full.S full.YSM sub"},
+      {{.text6 = "1FF", .text4 = "FD", .combo2 = "S"}, "", "Record Length Error!", "full.S prog.S sub"},  // what came before
+      {{.text6 = "1FF", .text4 = "FD", .combo1 = kPair, .combo2 = "S"}, "", "Record Length Error!", "full.S prog.S prog.YSM sub"},
+      {{}, "/gone", "@/gone/prog.BIN: No such file or directory", "full.S sub"},
+      {{.combo1 = kPair}, "/gone", "@/gone/prog.YSM: No such file or directory", "full.S sub"},  // each file says it
+      {{.text5 = "sub/prog"}, "", "Can't save @/sub/prog: a file name can't hold a folder.", "full.S sub"},
+      {{.text5 = "x/y"}, "/", "@/x/y: a file name can't hold a folder.", "full.S sub"},  // a root gets no second separator
   };
   for (const auto& c : cases) {
     World w(c.change);
     SCOPED_TRACE(c.message);
     fs::create_directory(w.dir / "sub");
-    fs::create_symlink("/dev/full", w.dir / "prog.S");
+    fs::create_symlink("/dev/full", w.dir / "full.S");
     w.f.Dir2 += c.dir2;
     EXPECT_FALSE(w.Save());
     ASSERT_FALSE(w.platform.messages.empty());
-    EXPECT_NE(w.platform.messages.back().text.find(w.dir.path().string() + c.message), std::string::npos);
+    const std::string message = std::regex_replace(c.message, std::regex("@"), w.dir.path().string());
+    EXPECT_NE(w.platform.messages.back().text.find(message), std::string::npos) << w.platform.messages.back().text;
     for (const auto& m : w.platform.messages) EXPECT_EQ(m.text.find("Complete"), std::string::npos);
     w.ExpectReady();
-    EXPECT_EQ(w.m.FileError, 0);
-    EXPECT_TRUE(w.store.values.empty());
+    EXPECT_TRUE(w.m.FileError == 0 && w.store.values.empty());
     const std::vector<std::string> files = Words(c.files);
     EXPECT_EQ(w.Files(), std::set<std::string>(files.begin(), files.end()));
   }
@@ -263,13 +247,12 @@ TEST(SaveFlow, Opening) {
     std::vector<std::array<const char*, 3>> stored;  // section, key, value
     const char* shown;  // Text7 Text6 Text4 Combo1 Combo2 Combo3, the three lists enabled, drive and folder
   } cases[] = {
-      {{}, "00001000|0001FFFF|10|Object File Only|BIN|8-8SUM|100||"},
+      {{{kFilePath, "SaveDrive", "/"}, {kFilePath, "SaveDir", "/tmp"}}, "00001000|0001FFFF|10|Object File Only|BIN|8-8SUM|100|/|/tmp"},
       {{{kAddress, "SaveFirst", "00000010"}, {kAddress, "SaveLast", "20"}, {kAddress, "RecordLength", "8"},
         {kFormat, "FileType", "ysm file only"}, {kFormat, "ObjectFileFormat", "hex"}, {kFormat, "YSMFileFormat", "16-16SUM"}},
        "00000010|20|8|YSM File Only|HEX|16-16SUM|011||"},  // matched ignoring case
       {{{kFormat, "FileType", "Everything"}, {kFormat, "ObjectFileFormat", "ELF"}, {kFormat, "YSMFileFormat", "CRC"}},
        "00001000|0001FFFF|10||||111||"},  // no item: the combo empty and every list enabled
-      {{{kFilePath, "SaveDrive", "/"}, {kFilePath, "SaveDir", "/tmp"}}, "00001000|0001FFFF|10|Object File Only|BIN|8-8SUM|100|/|/tmp"},
   };
   for (const auto& c : cases) {
     Module1 m = test::MakeImage(0x1000, 0x1FFFF);

@@ -51,10 +51,6 @@ SaveOutcome Write(const std::string& format, Module1& m, const std::string& path
                            : SaveYsmFile(m, platform, path, format);
 }
 
-std::size_t FilesIn(const TempDir& dir) {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(dir.path()), {}));
-}
-
 TEST(Writers, WrittenTextByteForByte) {
   const struct {
     const char* name;
@@ -135,8 +131,6 @@ TEST(Writers, SCountAbove255FailsBeforeTheRecord) {
       {0x1000000, 0x10000F9, 0xFA, "S3FF01000000", false},
       {0, 0xF9, 0xFF, "S1FD0000", false},  // FF cut to FA bytes
       {0, 0x1FF, 0xFD, "", true},
-      {0x10000, 0x101FF, 0xFC, "", true},
-      {0x1000000, 0x10001FF, 0xFB, "", true},
       {0, 0xFC, 0xFF, "", true},  // FF cut to FD bytes: count 256
       {0xFF00, 0x101FF, 0xFC, "S1FFFF00" + ff252 + "FD\r\nS1FFFFFC" + ff252 + "01\r\n", true},
   };
@@ -149,30 +143,23 @@ TEST(Writers, SCountAbove255FailsBeforeTheRecord) {
     EXPECT_EQ(SaveSFile(m, platform, path.string()), c.fails ? SaveOutcome::RecordLengthError : SaveOutcome::Done);
     const std::string text = ReadFile(path);
     EXPECT_EQ(c.fails ? text : text.substr(0, c.kept.size()), c.kept);
-    EXPECT_EQ(platform.messages.size(), c.fails ? 1u : 0u);
-    if (!c.fails) {
-      EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2);
-      continue;
-    }
-    EXPECT_EQ(platform.messages[0], (test::Message{kRecordLengthError, vbOKOnly, ""}));
-    EXPECT_EQ(m.FileError, -1);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), c.fails ? std::count(c.kept.begin(), c.kept.end(), '\n') : 2);
+    EXPECT_EQ(platform.messages, std::vector<test::Message>(c.fails, {kRecordLengthError, vbOKOnly, ""}));
+    EXPECT_EQ(m.FileError, -c.fails);
+    if (!c.fails) continue;
     // Without keeping the cut-short file, the old one stays whole.
     test::WriteFile(path, "old content");
     EXPECT_EQ(SaveSFile(m, platform, path.string(), {.keepPartial = false}), SaveOutcome::RecordLengthError);
     EXPECT_EQ(ReadFile(path), "old content");
-    EXPECT_EQ(FilesIn(dir), 1u);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 1) << "a working file stayed";
   }
 }
 
 // The writers share one output file; each fault once, through one writer.
 TEST(Writers, FileFaultsNameTheReasonAndKeepTheOldFile) {
   using namespace std::string_literals;
-  const struct {
-    const char* writer;
-    std::string target;  // in the test's folder but for /dev/full
-    const char *doing, *reason;
-    bool unprivileged = false;
-  } cases[] = {
+  // The target is in the test's folder but for /dev/full.
+  const struct { const char* writer; std::string target; const char *doing, *reason; bool unprivileged = false; } cases[] = {
       {"HEX", "/dev/full", "write", "No space left on device"},  // a device: written in place
       {"BIN", "missing/a", "create", "No such file or directory"},
       {"YSM", "folder", "create", "Is a directory"},
@@ -199,8 +186,7 @@ TEST(Writers, FileFaultsNameTheReasonAndKeepTheOldFile) {
       return failed && platform.messages == std::vector{expected} ? "" : testing::PrintToString(platform.Texts());
     };
     EXPECT_EQ(c.unprivileged ? test::Unprivileged(check) : check(), "");
-    const std::map<std::string, std::string> listing{{"folder", ""}, {"old", "the old image"}, {"read-only", "kept"}};
-    std::map<std::string, std::string> files;
+    std::map<std::string, std::string> files, listing{{"folder", ""}, {"old", "the old image"}, {"read-only", "kept"}};
     for (const auto& e : fs::directory_iterator(dir.path())) files[e.path().filename().string()] = ReadFile(e.path());
     EXPECT_EQ(files, listing) << "the old files whole, no working file left";
   }
@@ -236,8 +222,7 @@ TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
     for (Address a = first; a <= last; ++a) source.At(a) = static_cast<std::uint8_t>(random());
     // The HEX writer fills its last record up to the area's end.
     const Address hexEnd = std::min(saveFirst + ((saveLast - saveFirst) / length + 1) * length - 1, last);
-    SCOPED_TRACE(testing::Message() << std::hex << first << ":" << last << " save " << saveFirst << ":" << saveLast
-                                    << " length " << length << " offset " << offset);
+    SCOPED_TRACE(testing::Message() << std::hex << first << ":" << last << " " << saveFirst << ":" << saveLast << " " << length << " " << offset);
     TempDir dir;
     ScriptedPlatform platform;
     for (const std::string format : {"BIN", "HEX", "S"}) {
