@@ -1,9 +1,8 @@
-// The save dialog: the Save button's refusals in their order, the files it
+// The save dialog's Save button: its refusals in their order, the files it
 // names and writes, its prompts before a listed file, the settings it stores
-// only after a success, what a failed save leaves, and what the dialog opens with.
+// only after a success, and what a failed save leaves.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <filesystem>
 #include <regex>
 #include <set>
@@ -114,85 +113,69 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
   EXPECT_EQ(std::tuple(w.m.SaveFirst, w.m.SaveLast, w.m.RecordLength, w.f.Text6), std::tuple(0x90000, 0x80000, 0x2A, "00080000"));
 }
 
-TEST(SaveFlow, NamesAndContentOfTheFiles) {
+TEST(SaveFlow, NamesPromptsAndFiles) {
   const struct {
     Change change;
-    const char *object, *ysm, *text5, *notice;  // the files written, "" for none; notice less " File Save Complete!"
+    const char *listed, *answers;  // when names are listed, prog.BIN holds 300 old bytes; Y or N for each prompt
+    const char* messages;  // "?" for "Over Write?", "name?" for "name File Over Write?", else the notice's start
+    const char *files, *text5;  // the folder and Text5 afterwards
+    std::size_t binSize;  // of prog.BIN afterwards, 0 for none
   } cases[] = {
-      {{.combo2 = "HEX"}, "prog.HEX", "", "prog.HEX", "HEX"},
-      {{.combo2 = "S", .text5 = "prog.txt"}, "prog.txt", "", "prog.txt", "S"},
-      {{.text5 = "prog.bin"}, "prog.bin", "", "prog.bin", "BIN"},
-      {{.text5 = "abc."}, "abc..BIN", "", "abc..BIN", "BIN"},
-      {{.text4 = ""}, "prog.BIN", "", "prog.BIN", "BIN"},  // BIN takes any record length
-      {{.text7 = "80", .text6 = "80"}, "prog.BIN", "", "prog.BIN", "BIN"},  // one byte
-      {{.combo1 = kYsm, .combo2 = "HEX", .text5 = "prog.hex"}, "", "prog.hex", "prog.hex", "YSM"},
-      {{.combo1 = kYsm}, "", "prog.YSM", "prog.YSM", "YSM"},
-      {{.combo1 = kPair, .combo2 = "S"}, "prog.S", "prog.YSM", "prog.S", "S and YSM"},
-      {{.combo1 = kPair, .combo3 = "16-16sum"}, "prog.BIN", "prog.YSM", "prog.BIN", "BIN and YSM"},
-      {{.combo1 = kPair, .text5 = "a.b.c"}, "a.b.c", "a.YSM", "a.b.c", "BIN and YSM"},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.ysm"}, "prog.HEX", "prog.ysm", "prog.ysm", "HEX and YSM"},
+      {{.combo2 = "HEX"}, "", "", "HEX", "prog.HEX", "prog.HEX", 0},
+      {{.combo2 = "S", .text5 = "prog.txt"}, "", "", "S", "prog.txt", "prog.txt", 0},
+      {{.text5 = "abc."}, "", "", "BIN", "abc..BIN", "abc..BIN", 0},
+      {{.text4 = ""}, "", "", "BIN", "prog.BIN", "prog.BIN", 256},  // BIN takes any record length
+      {{.text7 = "80", .text6 = "80"}, "", "", "BIN", "prog.BIN", "prog.BIN", 1},
+      {{.combo1 = kYsm, .combo2 = "HEX", .text5 = "prog.hex"}, "", "", "YSM", "prog.hex", "prog.hex", 0},
+      {{.combo1 = kYsm}, "", "", "YSM", "prog.YSM", "prog.YSM", 0},
+      {{.combo1 = kPair, .combo2 = "S"}, "", "", "S and YSM", "prog.S prog.YSM", "prog.S", 0},
+      {{.combo1 = kPair, .combo3 = "16-16sum"}, "", "", "BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
+      {{.combo1 = kPair, .text5 = "a.b.c"}, "", "", "BIN and YSM", "a.YSM a.b.c", "a.b.c", 0},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.ysm"}, "", "", "HEX and YSM", "prog.HEX prog.ysm", "prog.ysm", 0},
+      {{}, "other.BIN", "", "BIN", "prog.BIN", "prog.BIN", 300},  // not listed: the old file keeps its end
+      {{}, "a PROG.bin", "Y", "?|BIN", "prog.BIN", "prog.BIN", 256},
+      {{}, "prog.BIN", "N", "?", "prog.BIN", "prog.BIN", 300},
+      {{.combo1 = kPair}, "prog.BIN prog.YSM", "YY", "prog.BIN?|prog.YSM?|BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
+      {{.combo1 = kPair}, "prog.BIN prog.YSM", "YN", "prog.BIN?|prog.YSM?", "prog.BIN", "prog.BIN", 300},
+      {{.combo1 = kPair}, "prog.BIN prog.YSM", "N", "prog.BIN?", "prog.BIN", "prog.BIN", 300},
+      {{.combo1 = kPair}, "prog.YSM", "Y", "prog.YSM?|BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 300},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"}, "prog.HEX prog.ysm", "YN", "prog.HEX?|prog.YSM?", "prog.BIN", "prog.YSM", 300},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.txt"}, "PROG.TXT prog.YSM", "YN", "prog.txt?|prog.YSM?", "prog.BIN", "prog.txt", 300},
   };
   for (const auto& c : cases) {
     World w(c.change);
-    SCOPED_TRACE(w.f.Combo1 + " " + w.f.Combo2 + " " + w.f.Text5);
-    std::set<std::string> files{c.object, c.ysm};
-    files.erase("");
-    for (int press = 0; press < 2; ++press) {  // again with the name as it now stands: the same files
+    SCOPED_TRACE(w.f.Combo1 + " " + w.f.Text5 + " " + c.listed + " " + c.answers);
+    if (*c.listed) test::WriteFile(w.dir / "prog.BIN", std::string(300, 'x'));
+    w.f.File2 = Words(c.listed);
+    const bool closes = !std::string(c.messages).ends_with('?');
+    for (int press = 0; press < (*c.listed ? 1 : 2); ++press) {  // again with the name as it now stands: the same files
       w.platform.messages.clear();
       w.platform.pointersAtMessages.clear();
-      EXPECT_TRUE(w.Save());
-      EXPECT_EQ(w.Files(), files);
+      for (const char* a = c.answers; *a; ++a) w.platform.answers.push_back(*a == 'Y' ? vbYes : vbNo);
+      EXPECT_EQ(w.Save(), closes);
+      std::string texts;
+      for (std::size_t i = 0; i < w.platform.messages.size(); ++i) {
+        const test::Message& m = w.platform.messages[i];
+        const bool prompt = m.text.ends_with('?');
+        EXPECT_EQ(std::tuple(m.style, m.title, w.platform.pointersAtMessages[i]),
+                  prompt ? std::tuple(vbExclamationYesNo, "Save", vbDefault) : std::tuple(vbOKOnly, "", vbHourglass));
+        texts += (i ? "|" : "") + std::regex_replace(m.text, std::regex("^Over Write| File Over Write| File Save Complete!"), "");
+      }
+      EXPECT_EQ(texts, c.messages);
+      const std::vector<std::string> files = Words(c.files);
+      EXPECT_EQ(w.Files(), std::set<std::string>(files.begin(), files.end()));
       EXPECT_EQ(w.f.Text5, c.text5);
-      EXPECT_EQ(w.platform.Texts(), std::vector<std::string>{c.notice + std::string(" File Save Complete!")});
-      EXPECT_EQ(w.platform.pointersAtMessages, std::vector<int>{vbHourglass});
       w.ExpectReady();
+      EXPECT_EQ(w.store.values.empty(), !closes);
     }
-    const std::string object = *c.object ? ReadFile(w.dir / c.object) : "";
-    const std::string start = w.f.Combo2 == "HEX" ? ":1" : "S1";
-    EXPECT_TRUE(!*c.object || (w.f.Combo2 == "BIN" ? object == w.Bytes(w.m.SaveFirst, w.m.SaveLast) : object.substr(0, 2) == start));
-    EXPECT_EQ(*c.ysm ? ReadFile(w.dir / c.ysm).size() : 0u, !*c.ysm ? 0u : w.f.Combo3 == "8-8SUM" ? 52u : 54u);
-  }
-}
-
-TEST(SaveFlow, PromptsBeforeAListedFile) {
-  const struct {
-    Change change;
-    const char *listed, *answers;  // Y or N for each prompt
-    const char *asked, *notice;  // the names a pair's prompts name; "" when the dialog stays open
-    std::size_t binSize;  // of prog.BIN afterwards; the old one is 300 bytes
-  } cases[] = {
-      {{}, "other.BIN", "", "", "BIN", 300},  // not listed: the old file keeps its end
-      {{}, "a PROG.bin", "Y", "", "BIN", 256},
-      {{}, "prog.BIN", "N", "", "", 300},
-      {{.combo1 = kPair}, "prog.BIN prog.YSM", "YY", "prog.BIN prog.YSM", "BIN and YSM", 256},
-      {{.combo1 = kPair}, "prog.BIN prog.YSM", "YN", "prog.BIN prog.YSM", "", 300},
-      {{.combo1 = kPair}, "prog.BIN prog.YSM", "N", "prog.BIN", "", 300},
-      {{.combo1 = kPair}, "prog.YSM", "Y", "prog.YSM", "BIN and YSM", 300},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"}, "prog.HEX prog.ysm", "YN", "prog.HEX prog.YSM", "", 300},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.txt"}, "PROG.TXT prog.YSM", "YN", "prog.txt prog.YSM", "", 300},
-  };
-  for (const auto& c : cases) {
-    World w(c.change);
-    SCOPED_TRACE(w.f.Combo1 + " " + w.f.Text5 + " " + c.answers);
-    test::WriteFile(w.dir / "prog.BIN", std::string(300, 'x'));
-    w.f.File2 = Words(c.listed);
-    for (const char* a = c.answers; *a; ++a) w.platform.answers.push_back(*a == 'Y' ? vbYes : vbNo);
-    const bool closes = *c.notice != '\0';
-    EXPECT_EQ(w.Save(), closes);
-    std::vector<test::Message> expected;
-    if (w.f.Combo1 == kObject && *c.answers) expected.push_back({"Over Write?", vbExclamationYesNo, "Save"});
-    for (const auto& name : Words(c.asked)) expected.push_back({name + " File Over Write?", vbExclamationYesNo, "Save"});
-    std::vector<int> pointers(expected.size(), vbDefault);  // the prompts' pointer, then the notice's
-    if (closes) expected.push_back({c.notice + std::string(" File Save Complete!"), vbOKOnly, ""});
-    if (closes) pointers.push_back(vbHourglass);
-    EXPECT_EQ(w.platform.messages, expected);
-    EXPECT_EQ(w.platform.pointersAtMessages, pointers);
-    w.ExpectReady();
-    const std::string bin = ReadFile(w.dir / "prog.BIN");
-    EXPECT_EQ(bin.size(), c.binSize);
-    EXPECT_EQ(bin.substr(0, 256), closes ? w.Bytes(0, 0xFF) : std::string(256, 'x'));
-    EXPECT_TRUE(closes || w.Files() == std::set<std::string>{"prog.BIN"}) << "nothing written after a No";
-    EXPECT_EQ(w.store.values.empty(), !closes);
+    EXPECT_EQ(fs::exists(w.dir / "prog.BIN") ? ReadFile(w.dir / "prog.BIN").size() : 0u, c.binSize);
+    for (const auto& name : Words(c.files)) {
+      const std::string text = ReadFile(w.dir / name);
+      const bool ysm = w.f.Combo1 == kYsm || (w.f.Combo1 == kPair && EqualsIgnoreCase(name.substr(name.size() - 3), "YSM"));
+      const std::string start = !closes ? std::string(300, 'x') : ysm ? text : w.f.Combo2 == "BIN" ? w.Bytes(w.m.SaveFirst, w.m.SaveLast) : w.f.Combo2 == "HEX" ? ":1" : "S1";
+      EXPECT_TRUE(text.substr(0, start.size()) == start) << name;
+      EXPECT_TRUE(!closes || !ysm || text.size() == (w.f.Combo3 == "8-8SUM" ? 52u : 54u)) << name;
+    }
   }
 }
 
@@ -201,11 +184,11 @@ TEST(SaveFlow, SettingsStoredOnlyAfterSuccess) {
   w.f.Drive2 = "/home";
   ASSERT_TRUE(w.Save());
   MemorySettings expected;
-  const std::array<std::string, 3> values[] = {
-      {kAddress, "SaveFirst", "00000000"}, {kAddress, "SaveLast", "000000FF"}, {kAddress, "RecordLength", "2"},
-      {kFormat, "FileType", kPair}, {kFormat, "ObjectFileFormat", "HEX"}, {kFormat, "YSMFileFormat", "8-16SUM"},
-      {kFilePath, "SaveDrive", "/home"}, {kFilePath, "SaveDir", w.dir.path().string()}};
-  for (const auto& [section, key, value] : values) expected.Write(section, key, value);
+  for (const auto& [section, key, value] : std::initializer_list<std::tuple<const char*, const char*, std::string>>{
+           {kAddress, "SaveFirst", "00000000"}, {kAddress, "SaveLast", "000000FF"}, {kAddress, "RecordLength", "2"},
+           {kFormat, "FileType", kPair}, {kFormat, "ObjectFileFormat", "HEX"}, {kFormat, "YSMFileFormat", "8-16SUM"},
+           {kFilePath, "SaveDrive", "/home"}, {kFilePath, "SaveDir", w.dir.path().string()}})
+    expected.Write(section, key, value);
   EXPECT_EQ(w.store.values, expected.values);
 }
 
@@ -220,7 +203,6 @@ TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
       {{.text6 = "1FF", .text4 = "FD", .combo2 = "S"}, "", "Record Length Error!", "full.S prog.S sub"},  // what came before
       {{.text6 = "1FF", .text4 = "FD", .combo1 = kPair, .combo2 = "S"}, "", "Record Length Error!", "full.S prog.S prog.YSM sub"},
       {{}, "/gone", "@/gone/prog.BIN: No such file or directory", "full.S sub"},
-      {{.combo1 = kPair}, "/gone", "@/gone/prog.YSM: No such file or directory", "full.S sub"},  // each file says it
       {{.text5 = "sub/prog"}, "", "Can't save @/sub/prog: a file name can't hold a folder.", "full.S sub"},
       {{.text5 = "x/y"}, "/", "@/x/y: a file name can't hold a folder.", "full.S sub"},  // a root gets no second separator
   };
@@ -239,33 +221,6 @@ TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
     EXPECT_TRUE(w.m.FileError == 0 && w.store.values.empty());
     const std::vector<std::string> files = Words(c.files);
     EXPECT_EQ(w.Files(), std::set<std::string>(files.begin(), files.end()));
-  }
-}
-
-TEST(SaveFlow, Opening) {
-  const struct {
-    std::vector<std::array<const char*, 3>> stored;  // section, key, value
-    const char* shown;  // Text7 Text6 Text4 Combo1 Combo2 Combo3, the three lists enabled, drive and folder
-  } cases[] = {
-      {{{kFilePath, "SaveDrive", "/"}, {kFilePath, "SaveDir", "/tmp"}}, "00001000|0001FFFF|10|Object File Only|BIN|8-8SUM|100|/|/tmp"},
-      {{{kAddress, "SaveFirst", "00000010"}, {kAddress, "SaveLast", "20"}, {kAddress, "RecordLength", "8"},
-        {kFormat, "FileType", "ysm file only"}, {kFormat, "ObjectFileFormat", "hex"}, {kFormat, "YSMFileFormat", "16-16SUM"}},
-       "00000010|20|8|YSM File Only|HEX|16-16SUM|011||"},  // matched ignoring case
-      {{{kFormat, "FileType", "Everything"}, {kFormat, "ObjectFileFormat", "ELF"}, {kFormat, "YSMFileFormat", "CRC"}},
-       "00001000|0001FFFF|10||||111||"},  // no item: the combo empty and every list enabled
-  };
-  for (const auto& c : cases) {
-    Module1 m = test::MakeImage(0x1000, 0x1FFFF);
-    MemorySettings store;
-    for (const auto& [section, key, value] : c.stored) store.Write(section, key, value);
-    SaveFields f;
-    f.Text5 = "left from before";
-    const SavePlaces places = cmdsave_Click(f, m, store);
-    std::ostringstream shown;
-    shown << f.Text7 << '|' << f.Text6 << '|' << f.Text4 << '|' << f.Combo1 << '|' << f.Combo2 << '|' << f.Combo3 << '|'
-          << f.Combo2Enabled << f.Combo3Enabled << f.Text4Enabled << '|' << places.drive << '|' << places.dir;
-    EXPECT_EQ(shown.str(), c.shown);
-    EXPECT_EQ(f.Text5, "");
   }
 }
 
