@@ -1,18 +1,8 @@
 #pragma once
 // Window tests: a store in a temporary folder, never the user's own, and a
 // script that answers the real modal windows a person's action raises.
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QLabel>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPointer>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
+#include <QtTest>
+#include <QtWidgets>
 #include <functional>
 #include <vector>
 
@@ -79,19 +69,18 @@ class ModalScript {
   // The next window is a dialog of type D.
   template <typename D>
   ModalScript& Dialog(std::function<void(D*)> drive) {
-    return Then(D::staticMetaObject.className(), [drive](QWidget* window) {
+    steps_.push_back([drive](QWidget* window) {
       auto* dialog = qobject_cast<D*>(window);
       QVERIFY2(dialog, window->metaObject()->className());
       drive(dialog);
     });
+    return *this;
   }
 
   // The next window is a message box with text, icon and title, answered by
   // key: Enter for its default button, Esc for its escape button.
   ModalScript& Message(const QString& text, QMessageBox::Icon icon, const QString& title, Qt::Key key = Qt::Key_Return) {
-    return Then(text, [text, icon, title, key](QWidget* window) {
-      auto* box = qobject_cast<QMessageBox*>(window);
-      QVERIFY2(box, window->metaObject()->className());
+    return Dialog<QMessageBox>([=](QMessageBox* box) {
       QCOMPARE(box->text() + '|' + box->windowTitle(), text + '|' + title);
       QCOMPARE(box->icon(), icon);
       QTest::keyClick(box, key);
@@ -106,18 +95,12 @@ class ModalScript {
     action();
     const bool done = QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000);
     running_ = false;
-    for (std::size_t i = next_; i < steps_.size(); ++i) QTest::qFail(qPrintable("no window came up for: " + steps_[i].first), __FILE__, __LINE__);
-    if (!done && next_ == steps_.size()) QTest::qFail("a step did not end", __FILE__, __LINE__);
+    if (!done) QTest::qFail(qPrintable(QStringLiteral("%1 of %2 windows came up and ended").arg(next_ - busy_).arg(steps_.size())), __FILE__, __LINE__);
     steps_.clear();
     next_ = 0;
   }
 
  private:
-  ModalScript& Then(const QString& what, std::function<void(QWidget*)> step) {
-    steps_.emplace_back(what, std::move(step));
-    return *this;
-  }
-
   // A fresh timer each time: a timer does not fire again while its own
   // handler blocks in a nested event loop, and a step blocks in one.
   void Watch() {
@@ -128,19 +111,19 @@ class ModalScript {
     QPointer<QWidget> window = QApplication::activeModalWidget();
     if (!window || !window->isVisible() || handled_.contains(window) || next_ >= steps_.size()) return Watch();
     handled_ << window;
-    const auto& [what, step] = steps_[next_++];
+    const auto step = steps_[next_++];
     ++busy_;
     Watch();
     if (!QTest::qWaitForWindowExposed(window)) QTest::qFail("a window never showed", __FILE__, __LINE__);
     step(window);
     if (window && window->isVisible()) {
-      QTest::qFail(qPrintable("left open: " + what), __FILE__, __LINE__);
+      QTest::qFail(qPrintable("left open: " + window->windowTitle()), __FILE__, __LINE__);
       if (auto* dialog = qobject_cast<QDialog*>(window.data())) dialog->reject();
     }
     --busy_;
   }
 
-  std::vector<std::pair<QString, std::function<void(QWidget*)>>> steps_;
+  std::vector<std::function<void(QWidget*)>> steps_;
   std::size_t next_ = 0;
   int busy_ = 0;
   bool running_ = false;
