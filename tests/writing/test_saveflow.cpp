@@ -54,19 +54,15 @@ struct World {
          .Text4 = c.text4, .Combo1 = c.combo1, .Combo2 = c.combo2, .Combo3 = c.combo3};
   }
   bool Save() { return Command5_Click(f, m, platform, store); }
-  std::set<std::string> Files() const {
+  std::string Files() const {  // in order, one blank between
     std::set<std::string> names;
     for (const auto& e : fs::directory_iterator(dir.path())) names.insert(e.path().filename().string());
-    return names;
-  }
-  std::string Bytes(Address first, Address last) const {
-    return std::string(reinterpret_cast<const char*>(m.Buffer.data() + (first - m.BufFirst)), static_cast<std::size_t>(last - first + 1));
+    std::string list;
+    for (const auto& name : names) list += (list.empty() ? "" : " ") + name;
+    return list;
   }
   // Pointer and buttons are back, whatever the way out was.
-  void ExpectReady() const {
-    EXPECT_EQ(platform.pointer, vbDefault);
-    EXPECT_TRUE(f.Command5Enabled && f.Command2Enabled);
-  }
+  void ExpectReady() const { EXPECT_TRUE(platform.pointer == vbDefault && f.Command5Enabled && f.Command2Enabled); }
 };
 
 // The words of text between blanks.
@@ -78,10 +74,8 @@ std::vector<std::string> Words(const std::string& text) {
 }
 
 TEST(SaveFlow, RefusalsInTheirOrder) {
-  const struct {
-    Change change;  // each holds the faults of the later rows as well
-    const char *notice, *text7;  // Text7 after the refusal
-  } cases[] = {
+  // Each row holds the faults of the later rows as well; text7 is Text7 after the refusal.
+  const struct { Change change; const char *notice, *text7; } cases[] = {
       {{.text7 = "", .text6 = ""}, "FirstAddress Error!", ""},
       {{.text7 = "1", .text6 = "", .text4 = ""}, "LastAddress Error!", "1"},  // not padded yet
       {{.text7 = "90000", .text6 = "80000", .text4 = "", .combo2 = "HEX"}, "Address Error!", "00090000"},
@@ -107,8 +101,7 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
     w.ExpectReady();
     EXPECT_TRUE(w.Files().empty() && w.store.values.empty());
   }
-  // The range and record length are taken before they are judged.
-  World w({.text7 = "90000", .text6 = "80000", .text4 = "2A"});
+  World w({.text7 = "90000", .text6 = "80000", .text4 = "2A"});  // the range and length are taken before they are judged
   EXPECT_FALSE(w.Save());
   EXPECT_EQ(std::tuple(w.m.SaveFirst, w.m.SaveLast, w.m.RecordLength, w.f.Text6), std::tuple(0x90000, 0x80000, 0x2A, "00080000"));
 }
@@ -162,8 +155,7 @@ TEST(SaveFlow, NamesPromptsAndFiles) {
         texts += (i ? "|" : "") + std::regex_replace(m.text, std::regex("^Over Write| File Over Write| File Save Complete!"), "");
       }
       EXPECT_EQ(texts, c.messages);
-      const std::vector<std::string> files = Words(c.files);
-      EXPECT_EQ(w.Files(), std::set<std::string>(files.begin(), files.end()));
+      EXPECT_EQ(w.Files(), c.files);
       EXPECT_EQ(w.f.Text5, c.text5);
       w.ExpectReady();
       EXPECT_EQ(w.store.values.empty(), !closes);
@@ -172,7 +164,8 @@ TEST(SaveFlow, NamesPromptsAndFiles) {
     for (const auto& name : Words(c.files)) {
       const std::string text = ReadFile(w.dir / name);
       const bool ysm = w.f.Combo1 == kYsm || (w.f.Combo1 == kPair && EqualsIgnoreCase(name.substr(name.size() - 3), "YSM"));
-      const std::string start = !closes ? std::string(300, 'x') : ysm ? text : w.f.Combo2 == "BIN" ? w.Bytes(w.m.SaveFirst, w.m.SaveLast) : w.f.Combo2 == "HEX" ? ":1" : "S1";
+      const std::string bytes(reinterpret_cast<char*>(&w.m.At(w.m.SaveFirst)), w.m.SaveLast - w.m.SaveFirst + 1);
+      const std::string start = !closes ? std::string(300, 'x') : ysm ? text : w.f.Combo2 == "BIN" ? bytes : w.f.Combo2 == "HEX" ? ":1" : "S1";
       EXPECT_TRUE(text.substr(0, start.size()) == start) << name;
       EXPECT_TRUE(!closes || !ysm || text.size() == (w.f.Combo3 == "8-8SUM" ? 52u : 54u)) << name;
     }
@@ -219,8 +212,7 @@ TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
     for (const auto& m : w.platform.messages) EXPECT_EQ(m.text.find("Complete"), std::string::npos);
     w.ExpectReady();
     EXPECT_TRUE(w.m.FileError == 0 && w.store.values.empty());
-    const std::vector<std::string> files = Words(c.files);
-    EXPECT_EQ(w.Files(), std::set<std::string>(files.begin(), files.end()));
+    EXPECT_EQ(w.Files(), c.files);
   }
 }
 
