@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -65,14 +64,6 @@ struct World {
   void ExpectReady() const { EXPECT_TRUE(platform.pointer == vbDefault && f.Command5Enabled && f.Command2Enabled); }
 };
 
-// The words of text between blanks.
-std::vector<std::string> Words(const std::string& text) {
-  std::vector<std::string> words;
-  std::istringstream s(text);
-  for (std::string word; s >> word;) words.push_back(word);
-  return words;
-}
-
 TEST(SaveFlow, RefusalsInTheirOrder) {
   // Each row holds the faults of the later rows as well; text7 is Text7 after the refusal.
   const struct { Change change; const char *notice, *text7; } cases[] = {
@@ -83,7 +74,6 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
       {{.text7 = "80000", .text6 = "90000"}, "FirstAddress Error!", "00080000"},
       {{.text7 = "1", .text6 = "80000", .text5 = ""}, "LastAddress Error!", "00000001"},
       {{.text4 = "100", .combo2 = "HEX"}, "RecordLength Error!", "00000000"},  // only stored text has 3 digits
-      {{.text4 = "", .combo1 = kYsm, .combo2 = "HEX"}, "RecordLength Error!", "00000000"},
       {{.combo1 = "", .combo2 = "", .combo3 = "", .text5 = ""}, "Enter or Select File Name!", "00000000"},
       {{.combo1 = "", .combo2 = "", .combo3 = ""}, "Format Error!", "00000000"},
       {{.combo1 = "", .combo3 = "", .text5 = "prog.S"}, "File Type Error!", "00000000"},
@@ -109,39 +99,39 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
 TEST(SaveFlow, NamesPromptsAndFiles) {
   const struct {
     Change change;
-    const char *listed, *answers;  // when names are listed, prog.BIN holds 300 old bytes; Y or N for each prompt
+    std::vector<std::string> listed;  // when names are listed, prog.BIN holds 300 old bytes
+    const char* answers;  // Y or N for each prompt
     const char* messages;  // "?" for "Over Write?", "name?" for "name File Over Write?", else the notice's start
     const char *files, *text5;  // the folder and Text5 afterwards
     std::size_t binSize;  // of prog.BIN afterwards, 0 for none
   } cases[] = {
-      {{.combo2 = "HEX"}, "", "", "HEX", "prog.HEX", "prog.HEX", 0},
-      {{.combo2 = "S", .text5 = "prog.txt"}, "", "", "S", "prog.txt", "prog.txt", 0},
-      {{.text5 = "abc."}, "", "", "BIN", "abc..BIN", "abc..BIN", 0},
-      {{.text4 = ""}, "", "", "BIN", "prog.BIN", "prog.BIN", 256},  // BIN takes any record length
-      {{.text7 = "80", .text6 = "80"}, "", "", "BIN", "prog.BIN", "prog.BIN", 1},
-      {{.combo1 = kYsm, .combo2 = "HEX", .text5 = "prog.hex"}, "", "", "YSM", "prog.hex", "prog.hex", 0},
-      {{.combo1 = kYsm}, "", "", "YSM", "prog.YSM", "prog.YSM", 0},
-      {{.combo1 = kPair, .combo2 = "S"}, "", "", "S and YSM", "prog.S prog.YSM", "prog.S", 0},
-      {{.combo1 = kPair, .combo3 = "16-16sum"}, "", "", "BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
-      {{.combo1 = kPair, .text5 = "a.b.c"}, "", "", "BIN and YSM", "a.YSM a.b.c", "a.b.c", 0},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.ysm"}, "", "", "HEX and YSM", "prog.HEX prog.ysm", "prog.ysm", 0},
-      {{}, "other.BIN", "", "BIN", "prog.BIN", "prog.BIN", 300},  // not listed: the old file keeps its end
-      {{}, "a PROG.bin", "Y", "?|BIN", "prog.BIN", "prog.BIN", 256},
-      {{}, "prog.BIN", "N", "?", "prog.BIN", "prog.BIN", 300},
-      {{.combo1 = kPair}, "prog.BIN prog.YSM", "YY", "prog.BIN?|prog.YSM?|BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
-      {{.combo1 = kPair}, "prog.BIN prog.YSM", "YN", "prog.BIN?|prog.YSM?", "prog.BIN", "prog.BIN", 300},
-      {{.combo1 = kPair}, "prog.BIN prog.YSM", "N", "prog.BIN?", "prog.BIN", "prog.BIN", 300},
-      {{.combo1 = kPair}, "prog.YSM", "Y", "prog.YSM?|BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 300},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"}, "prog.HEX prog.ysm", "YN", "prog.HEX?|prog.YSM?", "prog.BIN", "prog.YSM", 300},
-      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.txt"}, "PROG.TXT prog.YSM", "YN", "prog.txt?|prog.YSM?", "prog.BIN", "prog.txt", 300},
+      {{.combo2 = "HEX"}, {}, "", "HEX", "prog.HEX", "prog.HEX", 0},
+      {{.combo2 = "S", .text5 = "prog.txt"}, {}, "", "S", "prog.txt", "prog.txt", 0},
+      {{.text5 = "abc."}, {}, "", "BIN", "abc..BIN", "abc..BIN", 0},
+      {{.text4 = ""}, {}, "", "BIN", "prog.BIN", "prog.BIN", 256},  // BIN takes any record length
+      {{.text7 = "80", .text6 = "80"}, {}, "", "BIN", "prog.BIN", "prog.BIN", 1},
+      {{.combo1 = kYsm, .combo2 = "HEX", .text5 = "prog.hex"}, {}, "", "YSM", "prog.hex", "prog.hex", 0},
+      {{.combo1 = kYsm}, {}, "", "YSM", "prog.YSM", "prog.YSM", 0},
+      {{.combo1 = kPair, .combo2 = "S"}, {}, "", "S and YSM", "prog.S prog.YSM", "prog.S", 0},
+      {{.combo1 = kPair, .combo3 = "16-16sum"}, {}, "", "BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
+      {{.combo1 = kPair, .text5 = "a.b.c"}, {}, "", "BIN and YSM", "a.YSM a.b.c", "a.b.c", 0},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.ysm"}, {}, "", "HEX and YSM", "prog.HEX prog.ysm", "prog.ysm", 0},
+      {{}, {"other.BIN"}, "", "BIN", "prog.BIN", "prog.BIN", 300},  // not listed: the old file keeps its end
+      {{}, {"a", "PROG.bin"}, "Y", "?|BIN", "prog.BIN", "prog.BIN", 256},
+      {{}, {"prog.BIN"}, "N", "?", "prog.BIN", "prog.BIN", 300},
+      {{.combo1 = kPair}, {"prog.BIN", "prog.YSM"}, "YY", "prog.BIN?|prog.YSM?|BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
+      {{.combo1 = kPair}, {"prog.BIN", "prog.YSM"}, "YN", "prog.BIN?|prog.YSM?", "prog.BIN", "prog.BIN", 300},
+      {{.combo1 = kPair}, {"prog.BIN", "prog.YSM"}, "N", "prog.BIN?", "prog.BIN", "prog.BIN", 300},
+      {{.combo1 = kPair}, {"prog.YSM"}, "Y", "prog.YSM?|BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 300},
+      {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"}, {"prog.HEX", "prog.ysm"}, "YN", "prog.HEX?|prog.YSM?", "prog.BIN", "prog.YSM", 300},
   };
   for (const auto& c : cases) {
     World w(c.change);
-    SCOPED_TRACE(w.f.Combo1 + " " + w.f.Text5 + " " + c.listed + " " + c.answers);
-    if (*c.listed) test::WriteFile(w.dir / "prog.BIN", std::string(300, 'x'));
-    w.f.File2 = Words(c.listed);
+    SCOPED_TRACE(w.f.Combo1 + " " + w.f.Text5 + " " + testing::PrintToString(c.listed) + " " + c.answers);
+    if (!c.listed.empty()) test::WriteFile(w.dir / "prog.BIN", std::string(300, 'x'));
+    w.f.File2 = c.listed;
     const bool closes = !std::string(c.messages).ends_with('?');
-    for (int press = 0; press < (*c.listed ? 1 : 2); ++press) {  // again with the name as it now stands: the same files
+    for (int press = 0; press < (c.listed.empty() ? 2 : 1); ++press) {  // again with the name as it now stands: the same files
       w.platform.messages.clear();
       w.platform.pointersAtMessages.clear();
       for (const char* a = c.answers; *a; ++a) w.platform.answers.push_back(*a == 'Y' ? vbYes : vbNo);
@@ -161,11 +151,12 @@ TEST(SaveFlow, NamesPromptsAndFiles) {
       EXPECT_EQ(w.store.values.empty(), !closes);
     }
     EXPECT_EQ(fs::exists(w.dir / "prog.BIN") ? ReadFile(w.dir / "prog.BIN").size() : 0u, c.binSize);
-    for (const auto& name : Words(c.files)) {
-      const std::string text = ReadFile(w.dir / name);
+    for (const auto& entry : fs::directory_iterator(w.dir.path())) {
+      const std::string name = entry.path().filename().string(), text = ReadFile(entry.path());
       const bool ysm = w.f.Combo1 == kYsm || (w.f.Combo1 == kPair && EqualsIgnoreCase(name.substr(name.size() - 3), "YSM"));
       const std::string bytes(reinterpret_cast<char*>(&w.m.At(w.m.SaveFirst)), w.m.SaveLast - w.m.SaveFirst + 1);
-      const std::string start = !closes ? std::string(300, 'x') : ysm ? text : w.f.Combo2 == "BIN" ? bytes : w.f.Combo2 == "HEX" ? ":1" : "S1";
+      const std::string start = !closes ? std::string(300, 'x') : ysm ? text : w.f.Combo2 == "BIN" ? bytes
+                                : w.f.Combo2 == "HEX" ? ":1" : "S1";
       EXPECT_TRUE(text.substr(0, start.size()) == start) << name;
       EXPECT_TRUE(!closes || !ysm || text.size() == (w.f.Combo3 == "8-8SUM" ? 52u : 54u)) << name;
     }
@@ -206,9 +197,8 @@ TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
     fs::create_symlink("/dev/full", w.dir / "full.S");
     w.f.Dir2 += c.dir2;
     EXPECT_FALSE(w.Save());
-    ASSERT_FALSE(w.platform.messages.empty());
     const std::string message = std::regex_replace(c.message, std::regex("@"), w.dir.path().string());
-    EXPECT_NE(w.platform.messages.back().text.find(message), std::string::npos) << w.platform.messages.back().text;
+    EXPECT_NE(w.platform.Texts().back().find(message), std::string::npos) << testing::PrintToString(w.platform.Texts());
     for (const auto& m : w.platform.messages) EXPECT_EQ(m.text.find("Complete"), std::string::npos);
     w.ExpectReady();
     EXPECT_TRUE(w.m.FileError == 0 && w.store.values.empty());

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -33,7 +32,7 @@ constexpr int kSumSample = -2;  // FF, but 12 34 56 78 9A BC DE F0 at 00001000
 // An image with the save range and record length set; fill is a byte or one of the patterns above.
 Module1 Image(Address first, Address last, int fill, Address saveFirst, Address saveLast, int recordLength) {
   Module1 m = test::MakeImage(first, last);
-  if (fill >= 0) std::memset(m.Buffer.data(), fill, static_cast<std::size_t>(m.BufSize));
+  if (fill >= 0) std::fill_n(m.Buffer.data(), m.BufSize, static_cast<std::uint8_t>(fill));
   for (Address a = first; fill == kElevens && a <= last; ++a) m.At(a) = static_cast<std::uint8_t>((a - first) * 0x11);
   const std::uint8_t sample[] = {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0};
   for (Address i = 0; fill == kSumSample && i < 8; ++i) m.At(0x1000 + i) = sample[i];
@@ -70,7 +69,6 @@ TEST(Writers, WrittenTextByteForByte) {
       {"HEX one byte cut by BufLast", 0, 0x7, 0xFF, 5, 5, 0x10, "HEX", ":03000500FFFFFFFB :00000001FF"},
       {"HEX ending on a record's end", 0, 0xFF, 0xFF, 0, 7, 4, "HEX", ":04000000FFFFFFFF00 :04000400FFFFFFFFFC :00000001FF"},
       {"HEX checksum 00", 0, 0xFF, 0xFF, 0, 0, 1, "HEX", ":01000000FF00 :00000001FF"},
-      {"HEX segment base F first", 0xF0000, 0xF000F, 0xFF, 0xF0000, 0xF0000, 1, "HEX", ":02000002F0000C :01000000FF00 :00000001FF"},
       {"HEX linear base 10 first", 0x100000, 0x10000F, 0xFF, 0x100000, 0x100000, 1, "HEX", ":020000040010EA :01000000FF00 :00000001FF"},
       {"HEX linear base FFFF", 0xFFFFFFF0, 0xFFFFFFFF, 0xFF, 0xFFFFFFFF, 0xFFFFFFFF, 1, "HEX", ":02000004FFFFFC :01FFFF00FF02 :00000001FF"},
       {"HEX segment bases give way to linear ones at 00100000", 0xF0000, 0x10000F, 0xFF, 0xFFFF8, 0x100007, 8, "HEX",
@@ -193,7 +191,7 @@ TEST(Writers, ReplacingKeepsLinksAndPermissions) {
   TempDir dir;
   const auto real = dir / "real.HEX", link = dir / "link.HEX";
   test::WriteFile(real, "old");
-  const auto perms = fs::perms::owner_all | fs::perms::group_read;
+  const auto perms = fs::perms::owner_all | fs::perms::group_read;  // not what a new file gets
   fs::permissions(real, perms);
   fs::create_symlink(real, link);
   Module1 m = Image(0, 0xFF, 0xFF, 0, 0, 0x10);
@@ -219,7 +217,8 @@ TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
     for (Address a = first; a <= last; ++a) source.At(a) = static_cast<std::uint8_t>(random());
     // The HEX writer fills its last record up to the area's end.
     const Address hexEnd = std::min(saveFirst + ((saveLast - saveFirst) / length + 1) * length - 1, last);
-    SCOPED_TRACE(testing::Message() << std::hex << first << ":" << last << " " << saveFirst << ":" << saveLast << " " << length << " " << offset);
+    SCOPED_TRACE(testing::Message() << std::hex << first << ":" << last << " " << saveFirst << ":" << saveLast << " "
+                                    << length << " " << offset);
     TempDir dir;
     ScriptedPlatform platform;
     for (const std::string format : {"BIN", "HEX", "S"}) {
@@ -229,7 +228,6 @@ TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
       // Into an image a little wider than the shifted range, each byte first the complement of what it may be given.
       const Address backFirst = std::max<Address>(0, saveFirst + offset - 0x20);
       const Address backLast = std::min<Address>(kAddressMax, hexEnd + offset + 0x20);
-      const Address writtenLast = format == "HEX" ? hexEnd : saveLast;
       auto given = [&](Address a) { return a - offset >= first && a - offset <= last ? source.At(a - offset) : 0xA5; };
       Module1 back = test::MakeImage(backFirst, backLast);
       for (Address a = backFirst; a <= backLast; ++a) back.At(a) = static_cast<std::uint8_t>(~given(a));
@@ -237,11 +235,9 @@ TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
       back.LoadFileName = path;
       const LoadReport report = LoadObjectFile(back, platform, backFirst, backLast, "image." + format);
       ASSERT_TRUE(report.Loaded()) << report.message;
-      std::size_t wrong = 0;
-      for (Address a = backFirst; a <= backLast; ++a) {
-        const bool stored = a - offset >= saveFirst && a - offset <= writtenLast;
-        if (back.At(a) != static_cast<std::uint8_t>(stored ? given(a) : ~given(a)) && wrong++ < 4)
-          ADD_FAILURE() << "byte at " << std::hex << a;
+      for (Address a = backFirst; a <= backLast && !HasFailure(); ++a) {
+        const bool stored = a - offset >= saveFirst && a - offset <= (format == "HEX" ? hexEnd : saveLast);
+        EXPECT_EQ(back.At(a), static_cast<std::uint8_t>(stored ? given(a) : ~given(a))) << "byte at " << std::hex << a;
       }
     }
     // 16-16 counts a byte at an even address as the high half of a word.
@@ -278,10 +274,11 @@ TEST(RoundTrip, SrecCatReadsTheSameBytes) {
       const std::string file = (dir / "image.txt").string(), out = (dir / "image.bin").string();
       ASSERT_EQ(Write(format, m, file, platform), SaveOutcome::Done);
       const std::string base = "-0x" + HexText(static_cast<std::uint64_t>(c.first), 8);
-      const auto r =
-          test::RunProgram({"/usr/bin/srec_cat", file, format == "HEX" ? "-intel" : "-motorola", "-offset", base, "-o", out, "-binary"});
+      const auto r = test::RunProgram(
+          {"/usr/bin/srec_cat", file, format == "HEX" ? "-intel" : "-motorola", "-offset", base, "-o", out, "-binary"});
       EXPECT_EQ(r.status, 0) << r.err;
-      EXPECT_TRUE(ReadFile(out) == std::string(reinterpret_cast<const char*>(m.Buffer.data()), static_cast<std::size_t>(m.BufSize))) << "srec_cat read other bytes";
+      const std::string area(reinterpret_cast<const char*>(m.Buffer.data()), static_cast<std::size_t>(m.BufSize));
+      EXPECT_TRUE(ReadFile(out) == area) << "srec_cat read other bytes";
     }
   }
 }
