@@ -90,11 +90,9 @@ class ModalScript {
   // Runs action (which may open the first window itself, or leave it to the
   // event loop), then waits until every step has had its window and ended.
   void Run(const std::function<void()>& action) {
-    running_ = true;
     Watch();
     action();
     const bool done = QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000);
-    running_ = false;
     if (!done) QTest::qFail(qPrintable(QStringLiteral("%1 of %2 windows came up and ended").arg(next_ - busy_).arg(steps_.size())), __FILE__, __LINE__);
     steps_.clear();
     next_ = 0;
@@ -104,7 +102,7 @@ class ModalScript {
   // A fresh timer each time: a timer does not fire again while its own
   // handler blocks in a nested event loop, and a step blocks in one.
   void Watch() {
-    if (running_ && next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); });
+    if (next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); });
   }
 
   void Poll() {
@@ -126,7 +124,6 @@ class ModalScript {
   std::vector<std::function<void(QWidget*)>> steps_;
   std::size_t next_ = 0;
   int busy_ = 0;
-  bool running_ = false;
   QList<QPointer<QWidget>> handled_;
   QObject context_;
 };
