@@ -1,13 +1,11 @@
 #include "GuiSupport.h"
 
-#include <QSettings>
-
 namespace kestrum::test {
 
 TempSettings::TempSettings() {
   QSettings::setDefaultFormat(QSettings::IniFormat);
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir_.path());
-  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, dir_.path());
+  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, dir.path());
+  QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, dir.path());
 }
 
 void TypeInto(QLineEdit* edit, const QString& text) {

@@ -3,12 +3,9 @@
 // script that answers the real modal windows a person's action raises.
 #include <QtTest>
 #include <QtWidgets>
-#include <functional>
-#include <vector>
 
 #include "TestSupport.h"
 #include "forms/FileLists.h"
-#include "forms/FormSupport.h"
 #include "forms/QtSeams.h"
 #include "forms/frmbufaddr.h"
 #include "forms/frmload.h"
@@ -21,22 +18,10 @@
 namespace kestrum::test {
 
 // Points QSettings at a fresh temporary folder for the life of the object.
-class TempSettings {
- public:
+struct TempSettings {
   TempSettings();
+  QTemporaryDir dir;
   forms::QtSettingsStore store;
-  QString path() const { return dir_.path(); }
-
- private:
-  QTemporaryDir dir_;
-};
-
-// Everything a form needs, with a scripted platform.
-struct GuiWorld {
-  TempSettings settings;
-  Module1 m;
-  ScriptedPlatform platform;
-  forms::AppContext ctx{m, platform, settings.store};
 };
 
 // Replaces an edit's text key by key (End, Backspace, the new text), through whatever filter it has.
@@ -53,10 +38,7 @@ W* Child(QWidget* parent, const char* name) {
 // Presses key in window as a person does: into its focused control, from
 // which what the control leaves goes up to the window (Enter to the default
 // button, Esc to the dialog).
-inline void PressKey(QWidget* window, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-  QWidget* focus = window->focusWidget();
-  QTest::keyClick(focus ? focus : window, key, modifiers);
-}
+inline void PressKey(QWidget* window, Qt::Key key) { QTest::keyClick(window->focusWidget() ? window->focusWidget() : window, key); }
 
 // Answers the modal windows an action raises, one step per window in the
 // order they come up; the action blocks in the window's own event loop, so
@@ -77,9 +59,11 @@ class ModalScript {
     return *this;
   }
 
-  // The next window is a message box with text, icon and title, answered by
-  // key: Enter for its default button, Esc for its escape button.
-  ModalScript& Message(const QString& text, QMessageBox::Icon icon, const QString& title, Qt::Key key = Qt::Key_Return) {
+  // The next window is a message box with text, icon and title (a notice has
+  // the program's name), answered by key: Enter for its default button, Esc
+  // for its escape button.
+  ModalScript& Message(const QString& text, QMessageBox::Icon icon = QMessageBox::NoIcon, const QString& title = "Kestrum",
+                       Qt::Key key = Qt::Key_Return) {
     return Dialog<QMessageBox>([=](QMessageBox* box) {
       QCOMPARE(box->text() + '|' + box->windowTitle(), text + '|' + title);
       QCOMPARE(box->icon(), icon);
@@ -93,7 +77,7 @@ class ModalScript {
     Watch();
     action();
     const bool done = QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000);
-    if (!done) QTest::qFail(qPrintable(QStringLiteral("%1 of %2 windows came up and ended").arg(next_ - busy_).arg(steps_.size())), __FILE__, __LINE__);
+    if (!done) QTest::qFail("a window did not come up, or its step did not end", __FILE__, __LINE__);
     steps_.clear();
     next_ = 0;
   }
