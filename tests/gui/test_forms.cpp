@@ -1,11 +1,13 @@
-// The seven windows as drawn and as used without a mouse. Drawn: client sizes
-// from the design (15 twips to a pixel), and no named control with a clipped
-// caption, overlapping a sibling, sticking out of its parent or covering a
-// frame's caption; the same in device-independent pixels at 150 % and 200 %
-// (this program run again under QT_SCALE_FACTOR). Keys: Tab follows the
-// design's tab index, Enter presses the default button and Esc does what the
-// cancel button does (the buttons whose tool tips say so). The drive, folder
-// and file lists the load and save windows are built from.
+// The seven windows as drawn, as used without a mouse, and as opened from a
+// store. Drawn: client sizes from the design (15 twips to a pixel), and no
+// named control with a clipped caption, overlapping a sibling, sticking out
+// of its parent or covering a frame's caption; the same in device-independent
+// pixels at 150 % and 200 % (this program run again under QT_SCALE_FACTOR).
+// Keys: Tab follows the design's tab index, only the default and cancel
+// buttons' tool tips name Enter and Esc, and Esc does what the cancel button
+// does (the session presses Enter in each dialog). Opened: an empty store or
+// one of garbage gives each window its defaults. The drive, folder and file
+// lists the load and save windows are built from.
 #include "GuiSupport.h"
 
 using namespace kestrum;
