@@ -181,9 +181,8 @@ class TestE2eSession : public QObject {
     QCOMPARE(area(), std::string("000100000001FFFF"));
 
     // The next start: the stored area, and each dialog with what was kept.
-    Module1 next;
-    forms::AppContext nextCtx{next, platform, settings.store};
-    forms::frmsumtool again(nextCtx);
+    m = Module1{};
+    forms::frmsumtool again(ctx);
     again.show();
     QVERIFY(QTest::qWaitForWindowExposed(&again));
     kept = QStringList{Text(&again, "txtbuffaddr"), Text(&again, "txtbufladdr"), Text(&again, "txteditaddr")};

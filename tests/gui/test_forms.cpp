@@ -31,9 +31,9 @@ template <> QWidget* Make<forms::frmversion>(forms::AppContext&) { return new fo
 const Form kForms[] = {
     {"frmsumtool", 8250, 3930, Make<forms::frmsumtool>, "|00000000|00000000|0007FFFF",
      {"cmdload", "cmdsave", "cmdbufclear", "cmdblstore", "cmdbufsum", "cmdedit", "txteditaddr", "cmdeditplus", "cmdeditminus", "List1"}},
-    {"frmload", 5565, 4725, Make<forms::frmload>, "|00000000|0007FFFF|0",
+    {"frmload", 5565, 4725, Make<forms::frmload>, "|00000000|0007FFFF|0|.",
      {"Dir1", "File1", "Text4", "Text3", "Check1", "Command1", "Command2", "Drive1"}, "Command1", "Command2"},
-    {"frmsave", 9975, 3690, Make<forms::frmsave>, "|00000000|0007FFFF|10|Object File Only|BIN|8-8SUM",
+    {"frmsave", 9975, 3690, Make<forms::frmsave>, "|00000000|0007FFFF|10|Object File Only|BIN|8-8SUM|.",
      {"Dir2", "File2", "Text5", "Combo1", "Combo2", "Text7", "Text6", "Command5", "Command2", "Drive2"}, "Command5", "Command2"},
     {"frmstore", 3645, 2850, Make<forms::frmstore>, "00000000|0007FFFF|00",
      {"Text1", "Text2", "Text3", "Command2", "Command1"}, "Command2", "Command1"},
@@ -67,6 +67,8 @@ struct Opened {
     for (const auto* list : form->findChildren<QComboBox*>()) {
       if (!qobject_cast<const forms::DriveListBox*>(list)) shown << list->currentText();  // the drive follows the folder
     }
+    const QString here = QDir::toNativeSeparators(QDir::currentPath());  // where the folder lists open by themselves
+    for (const auto* dirs : form->findChildren<forms::DirListBox*>()) shown << (dirs->Path() == here ? "." : dirs->Path());
     for (const auto& text : platform.Texts()) shown << QString::fromStdString(text);
     return shown.join('|');
   }
@@ -196,7 +198,7 @@ class TestForms : public QObject {
     QTest::newRow("values that are no text")
         << QByteArray("[Address]\nBufFirst=@Rect(1 2 3 4)\nBufLast=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x10NoSuchType)\n"
                       "LoadFirst=@Point(5 6)\nSaveFirst=@Size(1 1)\nstoredata=@Size(2 2)\n[Format]\nFileType=@Rect(0 0 0 0)\n"
-                      "[FilePath]\nSaveDrive=@Point(0 0)\nSaveDir=/tmp\n");
+                      "[FilePath]\nSaveDrive=@Point(0 0)\nSaveDir=/tmp\nLoadDir=/tmp\n");  // a folder without its drive
     QTest::newRow("a folder where the file should be") << QByteArray();
   }
 
@@ -218,9 +220,9 @@ class TestForms : public QObject {
     auto* dirs = Child<forms::DirListBox>(o.form.get(), "Dir1");
     auto* files = Child<forms::FileListBox>(o.form.get(), "File1");
     QVERIFY(dirs->SetPath(root));
-    QCOMPARE((QStringList{dirs->item(dirs->count() - 1)->text().trimmed(), files->List(0), files->List(1)}),
-             (QStringList{"sub", "A.bin", "b.hex"}));
-    QCOMPARE(files->ListCount(), 2);
+    QStringList shown{dirs->item(dirs->count() - 1)->text().trimmed()};  // the last folder, then every file
+    for (int i = 0; i < files->ListCount(); ++i) shown << files->List(i);
+    QCOMPARE(shown, (QStringList{"sub", "A.bin", "b.hex"}));
     dirs->setFocus();
     dirs->setCurrentItem(dirs->item(dirs->count() - 1));
     PressKey(o.form.get(), Qt::Key_Return);
