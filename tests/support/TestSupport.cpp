@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <random>
 #include <sstream>
 #include <stdexcept>
 
@@ -39,16 +38,9 @@ std::vector<std::string> ScriptedPlatform::Texts() const {
 }
 
 TempDir::TempDir() {
-  std::random_device rd;
-  for (int attempt = 0; attempt < 100; ++attempt) {
-    auto candidate = std::filesystem::temp_directory_path() /
-                     ("kestrum-test-" + std::to_string(getpid()) + "-" + std::to_string(rd()));
-    if (std::filesystem::create_directory(candidate)) {
-      path_ = candidate;
-      return;
-    }
-  }
-  throw std::runtime_error("no temporary folder");
+  std::string name = (std::filesystem::temp_directory_path() / "kestrum-test-XXXXXX").string();
+  if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
+  path_ = name;
 }
 
 TempDir::~TempDir() {
@@ -94,9 +86,7 @@ std::string Slurp(int fd) {
   close(fd);
   return text;
 }
-}  // namespace
 
-namespace {
 constexpr uid_t kNobody = 65534;
 
 // In a child about to run unprivileged: false when the rights can't be given up.
@@ -148,19 +138,6 @@ std::string InChild(const std::function<std::string()>& enter, const std::functi
 std::string Unprivileged(const std::function<std::string()>& body) {
   if (geteuid() != 0) return body();
   return InChild([] { return DropPrivileges() ? "" : "the rights of the superuser could not be given up"; }, body);
-}
-
-std::string OnSmallDisk(const std::filesystem::path& mountPoint, std::uint64_t bytes,
-                        const std::function<std::string()>& body) {
-  return InChild(
-      [&] {
-        const std::string size = "size=" + std::to_string(bytes);
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("kestrum-test", mountPoint.c_str(), "tmpfs", 0, size.c_str()) != 0)
-          return std::string(kNoSmallDisk);
-        return std::string();
-      },
-      body);
 }
 
 RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir,

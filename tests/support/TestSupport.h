@@ -112,11 +112,4 @@ class FileSizeLimit {
 // why it could not run.
 std::string Unprivileged(const std::function<std::string()>& body);
 
-// Runs body in a child process that finds a file system of bytes mounted at
-// mountPoint (an empty folder), in a mount namespace of its own, which needs
-// the superuser. Gives what body gives, or kNoSmallDisk.
-inline constexpr const char* kNoSmallDisk = "no small disk could be mounted";
-std::string OnSmallDisk(const std::filesystem::path& mountPoint, std::uint64_t bytes,
-                        const std::function<std::string()>& body);
-
 }  // namespace kestrum::test
