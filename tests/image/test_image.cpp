@@ -1,15 +1,90 @@
+// The image and its state: address text, the memory the machine can give,
+// sizing the area, start-up and exit, the key filters and Buffer Clear.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
 #include "TestSupport.h"
 #include "bufferops/ClearBuffer.h"
+#include "image/Address.h"
 #include "image/KeyFilters.h"
+#include "image/Memory.h"
 #include "image/Module1.h"
 #include "image/Startup.h"
 
 namespace kestrum {
 namespace {
+
+TEST(AddressText, ReadsTwoGroupsOfFourAndWritesEightDigits) {
+  const struct {
+    const char* text;
+    Address value;
+    bool canonical;  // AddressToText gives the text back
+  } cases[] = {
+      {"00000000", 0, true},
+      {"0007FFFF", 524287, true},
+      {"0000FFFF", 65535, true},  // unsigned, never -1
+      {"00010000", 65536, true},
+      {"7FFFFFFF", 0x7FFFFFFF, true},
+      {"80000000", 0x80000000, true},
+      {"ABCDEF01", 0xABCDEF01, true},
+      {"FFFFFFFF", 4294967295, true},
+      {"ffff0000", 4294901760, false},   // lower case counts
+      {"12", 0x00120012, false},         // short text: both groups are the text
+      {"12345", 0x12342345, false},      // the groups overlap
+      {"123456789", 0x12346789, false},  // the middle character is not read
+      {"12.40000", 0x00120000, false},   // a point ends its group
+      {"1%2", 0x00010001, false},        // so does a per cent sign
+      {"G1234567", 0x4567, false},       // a group that starts badly is 0
+      {"", 0, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(AddressFromText(c.text), c.value) << c.text;
+    if (c.canonical) {
+      EXPECT_EQ(AddressToText(c.value), c.text);
+    }
+  }
+}
+
+TEST(AddressText, PadsToEightAndWritesBytesAsTwoDigits) {
+  const std::pair<const char*, const char*> pads[] = {
+      {"1", "00000001"}, {"123456789", "23456789"}, {"", "0000000"}, {"7FFFF", "0007FFFF"}};
+  for (const auto& [in, out] : pads) EXPECT_EQ(PadAddressText(in), out) << in;
+  const std::pair<int, const char*> bytes[] = {{10, "0A"}, {255, "FF"}, {0, "00"}};
+  for (const auto& [value, text] : bytes) EXPECT_EQ(HexByteText(value), text);
+}
+
+constexpr std::uint64_t kKiB = 1024;
+
+TEST(AvailableMemory, MemoryAndSwapBoundedByTheGroupLimit) {
+  const char* meminfo =
+      "MemTotal:        8000000 kB\n"
+      "MemFree:          100000 kB\n"
+      "MemAvailable:    2000000 kB\n"
+      "SwapCached:            0 kB\n"
+      "SwapTotal:       1000000 kB\n"
+      "SwapFree:         500000 kB\n";
+  const struct {
+    const char* name;
+    std::string meminfo;
+    std::string groupLimit;
+    std::optional<std::uint64_t> available;
+  } cases[] = {
+      {"memory and swap", meminfo, "", 2500000 * kKiB},
+      {"no group limit", meminfo, "max\n", 2500000 * kKiB},
+      {"a group limit of the host's size", meminfo, "9223372036854771712\n", 2500000 * kKiB},
+      {"a lower group limit", meminfo, "1073741824\n", 1073741824},
+      {"no swap line", "MemAvailable: 4 kB\n", "", 4 * kKiB},
+      {"a key that only begins like it", "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n", "", 3 * kKiB},
+      {"nothing to tell by", "MemTotal: 8000000 kB\n", "1073741824", std::nullopt},
+      {"a number that can't be read", "MemAvailable: many kB\n", "", std::nullopt},
+      {"no file at all", "", "", std::nullopt},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(AvailableFrom(c.meminfo, c.groupLimit), c.available);
+  }
+}
 
 long Count(const Module1& m, std::uint8_t byte) {
   return std::count(m.Buffer.data(), m.Buffer.data() + m.Buffer.size(), byte);
