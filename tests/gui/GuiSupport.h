@@ -19,17 +19,17 @@ namespace kestrum::test {
 
 // Points QSettings at a fresh temporary folder for the life of the object.
 struct TempSettings {
-  TempSettings();
+  TempSettings() {
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    for (auto format : {QSettings::NativeFormat, QSettings::IniFormat})
+      QSettings::setPath(format, QSettings::UserScope, dir.path());
+  }
   QTemporaryDir dir;
   forms::QtSettingsStore store;
 };
 
-// Replaces an edit's text key by key (End, Backspace, the new text), through whatever filter it has.
-void TypeInto(QLineEdit* edit, const QString& text);
-
 // The child of parent with the given object name, failing the test if none.
-template <typename W = QWidget>
-W* Child(QWidget* parent, const char* name) {
+template <typename W = QWidget> W* Child(QWidget* parent, const char* name) {
   W* w = parent->findChild<W*>(QString::fromLatin1(name));
   if (!w) qFatal("no control named %s", name);
   return w;
@@ -38,7 +38,9 @@ W* Child(QWidget* parent, const char* name) {
 // Presses key in window as a person does: into its focused control, from
 // which what the control leaves goes up to the window (Enter to the default
 // button, Esc to the dialog).
-inline void PressKey(QWidget* window, Qt::Key key) { QTest::keyClick(window->focusWidget() ? window->focusWidget() : window, key); }
+inline void PressKey(QWidget* window, Qt::Key key) {
+  QTest::keyClick(window->focusWidget() ? window->focusWidget() : window, key);
+}
 
 // Answers the modal windows an action raises, one step per window in the
 // order they come up; the action blocks in the window's own event loop, so
@@ -49,12 +51,10 @@ inline void PressKey(QWidget* window, Qt::Key key) { QTest::keyClick(window->foc
 class ModalScript {
  public:
   // The next window is a dialog of type D.
-  template <typename D>
-  ModalScript& Dialog(std::function<void(D*)> drive) {
+  template <typename D> ModalScript& Dialog(std::function<void(D*)> drive) {
     steps_.push_back([drive](QWidget* window) {
-      auto* dialog = qobject_cast<D*>(window);
-      QVERIFY2(dialog, window->metaObject()->className());
-      drive(dialog);
+      QVERIFY2(qobject_cast<D*>(window), window->metaObject()->className());
+      drive(qobject_cast<D*>(window));
     });
     return *this;
   }
@@ -62,8 +62,8 @@ class ModalScript {
   // The next window is a message box with text, icon and title (a notice has
   // the program's name), answered by key: Enter for its default button, Esc
   // for its escape button.
-  ModalScript& Message(const QString& text, QMessageBox::Icon icon = QMessageBox::NoIcon, const QString& title = "Kestrum",
-                       Qt::Key key = Qt::Key_Return) {
+  ModalScript& Message(const QString& text, QMessageBox::Icon icon = QMessageBox::NoIcon,
+                       const QString& title = "Kestrum", Qt::Key key = Qt::Key_Return) {
     return Dialog<QMessageBox>([=](QMessageBox* box) {
       QCOMPARE(box->text() + '|' + box->windowTitle(), text + '|' + title);
       QCOMPARE(box->icon(), icon);
@@ -76,8 +76,8 @@ class ModalScript {
   void Run(const std::function<void()>& action) {
     Watch();
     action();
-    const bool done = QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000);
-    if (!done) QTest::qFail("a window did not come up, or its step did not end", __FILE__, __LINE__);
+    if (!QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000))
+      QTest::qFail("a window did not come up, or its step did not end", __FILE__, __LINE__);
     steps_.clear();
     next_ = 0;
   }
@@ -85,9 +85,7 @@ class ModalScript {
  private:
   // A fresh timer each time: a timer does not fire again while its own
   // handler blocks in a nested event loop, and a step blocks in one.
-  void Watch() {
-    if (next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); });
-  }
+  void Watch() { if (next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); }); }
 
   void Poll() {
     QPointer<QWidget> window = QApplication::activeModalWidget();
