@@ -1,0 +1,520 @@
+// The seven windows as drawn, as used without a mouse, and as opened from a
+// store, then a working session through them. Drawn: client sizes from the
+// design (15 twips to a pixel), and no named control with a clipped caption,
+// overlapping a sibling, sticking out of its parent or covering a frame's
+// caption; the same in device-independent pixels at 150 % and 200 % (that test
+// run again under QT_SCALE_FACTOR). Keys: Tab follows the design's tab index,
+// only the default and cancel buttons' tool tips name Enter and Esc, and Esc
+// does what the cancel button does (the session presses Enter in each dialog).
+// Opened: an empty store or one of garbage gives each window its defaults. The
+// drive, folder and file lists the load and save windows are built from.
+// The session, through the real widgets and real message boxes answered by
+// key: every dialog opened from the main window, set the buffer area, load a
+// HEX file with an offset, dump and step, Block Store with the wrap, Buffer
+// SUM, save a pair over files that exist, clear, drop the saved file back on
+// the window, sum again, exit and start again.
+#include <QtTest>
+#include <QtWidgets>
+
+#include "TestSupport.h"
+#include "forms/FileLists.h"
+#include "forms/QtSeams.h"
+#include "forms/frmbufaddr.h"
+#include "forms/frmload.h"
+#include "forms/frmsave.h"
+#include "forms/frmstore.h"
+#include "forms/frmsum.h"
+#include "forms/frmsumtool.h"
+#include "forms/frmversion.h"
+
+using namespace kestrum;
+using namespace kestrum::test;
+
+namespace {
+
+// Points QSettings at a fresh temporary folder for the life of the object.
+struct TempSettings {
+  TempSettings() {
+    QSettings::setDefaultFormat(QSettings::IniFormat);
+    for (auto format : {QSettings::NativeFormat, QSettings::IniFormat})
+      QSettings::setPath(format, QSettings::UserScope, dir.path());
+  }
+  QTemporaryDir dir;
+  forms::QtSettingsStore store;
+};
+
+// The child of parent with the given object name, failing the test if none.
+template <typename W = QWidget> W* Child(QWidget* parent, const char* name) {
+  W* w = parent->findChild<W*>(QString::fromLatin1(name));
+  if (!w) qFatal("no control named %s", name);
+  return w;
+}
+
+// Presses key in window as a person does: into its focused control, from
+// which what the control leaves goes up to the window (Enter to the default
+// button, Esc to the dialog).
+inline void PressKey(QWidget* window, Qt::Key key) {
+  QTest::keyClick(window->focusWidget() ? window->focusWidget() : window, key);
+}
+
+// Answers the modal windows an action raises, one step per window in the
+// order they come up; the action blocks in the window's own event loop, so
+// the steps run from timers inside it. A step that raises another modal
+// window (a dialog's message box) is still running while the next step
+// answers that one. A step must leave its window closed; one left open is a
+// failure, and is closed so that the scenario goes on.
+class ModalScript {
+ public:
+  // The next window is a dialog of type D.
+  template <typename D> ModalScript& Dialog(std::function<void(D*)> drive) {
+    steps_.push_back([drive](QWidget* window) {
+      QVERIFY2(qobject_cast<D*>(window), window->metaObject()->className());
+      drive(qobject_cast<D*>(window));
+    });
+    return *this;
+  }
+
+  // The next window is a message box with text, icon and title (a notice has
+  // the program's name), answered by key: Enter for its default button, Esc
+  // for its escape button.
+  ModalScript& Message(const QString& text, QMessageBox::Icon icon = QMessageBox::NoIcon,
+                       const QString& title = "Kestrum", Qt::Key key = Qt::Key_Return) {
+    return Dialog<QMessageBox>([=](QMessageBox* box) {
+      QCOMPARE(box->text() + '|' + box->windowTitle(), text + '|' + title);
+      QCOMPARE(box->icon(), icon);
+      QTest::keyClick(box, key);
+    });
+  }
+
+  // Runs action (which may open the first window itself, or leave it to the
+  // event loop), then waits until every step has had its window and ended.
+  void Run(const std::function<void()>& action) {
+    Watch();
+    action();
+    if (!QTest::qWaitFor([this] { return next_ == steps_.size() && busy_ == 0; }, 10000))
+      QTest::qFail("a window did not come up, or its step did not end", __FILE__, __LINE__);
+    steps_.clear();
+    next_ = 0;
+  }
+
+ private:
+  // A fresh timer each time: a timer does not fire again while its own
+  // handler blocks in a nested event loop, and a step blocks in one.
+  void Watch() { if (next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); }); }
+
+  void Poll() {
+    QPointer<QWidget> window = QApplication::activeModalWidget();
+    if (!window || !window->isVisible() || handled_.contains(window) || next_ >= steps_.size()) return Watch();
+    handled_ << window;
+    const auto step = steps_[next_++];
+    ++busy_;
+    Watch();
+    if (!QTest::qWaitForWindowExposed(window)) QTest::qFail("a window never showed", __FILE__, __LINE__);
+    step(window);
+    if (window && window->isVisible()) {
+      QTest::qFail(qPrintable("left open: " + window->windowTitle()), __FILE__, __LINE__);
+      if (auto* dialog = qobject_cast<QDialog*>(window.data())) dialog->reject();
+    }
+    --busy_;
+  }
+
+  std::vector<std::function<void(QWidget*)>> steps_;
+  std::size_t next_ = 0;
+  int busy_ = 0;
+  QList<QPointer<QWidget>> handled_;
+  QObject context_;
+};
+
+struct Form {
+  const char* name;
+  int width, height;  // of the client area, in twips
+  QWidget* (*open)(forms::AppContext&);
+  const char* defaults;     // what its fields show when the store is empty (Shown)
+  const char* focus;        // the controls Tab visits, from the one that has the focus at opening
+  const char* enter = "";   // the default button
+  const char* escape = "";  // the cancel button
+};
+
+template <typename F> QWidget* Make(forms::AppContext& c) { return new F(c); }
+template <> QWidget* Make<forms::frmversion>(forms::AppContext&) { return new forms::frmversion; }
+
+const Form kForms[] = {
+    {"frmsumtool", 8250, 3930, Make<forms::frmsumtool>, "|00000000|00000000|0007FFFF",
+     "cmdload cmdsave cmdbufclear cmdblstore cmdbufsum cmdedit txteditaddr cmdeditplus cmdeditminus List1"},
+    {"frmload", 5565, 4725, Make<forms::frmload>, "|00000000|0007FFFF|0|.",
+     "Dir1 File1 Text4 Text3 Check1 Command1 Command2 Drive1", "Command1", "Command2"},
+    {"frmsave", 9975, 3690, Make<forms::frmsave>, "|00000000|0007FFFF|10|Object File Only|BIN|8-8SUM|.",
+     "Dir2 File2 Text5 Combo1 Combo2 Text7 Text6 Command5 Command2 Drive2", "Command5", "Command2"},
+    {"frmstore", 3645, 2850, Make<forms::frmstore>, "00000000|0007FFFF|00",
+     "Text1 Text2 Text3 Command2 Command1", "Command2", "Command1"},
+    {"frmsum", 6120, 3495, Make<forms::frmsum>, "00000000|0007FFFF|||", "Text6 Text7 Command1 Command2", "Command1",
+     "Command2"},
+    {"frmbufaddr", 3930, 2130, Make<forms::frmbufaddr>, "|", "Text1 Text2 Cmdok Command1", "Cmdok", "Command1"},
+    {"frmversion", 3780, 2175, Make<forms::frmversion>, "", "OK_Button", "OK_Button", "OK_Button"},
+};
+
+// A form of a fresh world with a scripted platform, shown and active.
+struct Opened {
+  TempSettings settings;
+  Module1 m = MakeImage();
+  ScriptedPlatform platform;
+  forms::AppContext ctx{m, platform, settings.store};
+  std::unique_ptr<QWidget> form;
+  // With store, the bytes of the settings file, or a folder in its place when empty.
+  explicit Opened(const Form& f, const QByteArray* store = nullptr) {
+    const QString file = settings.dir.path() + "/Morvi/Morvi.conf";
+    if (store) QDir().mkpath(store->isEmpty() ? file : settings.dir.path() + "/Morvi");
+    if (store && !store->isEmpty()) WriteFile(file.toStdString(), store->toStdString());
+    form.reset(f.open(ctx));
+    form->show();
+    form->activateWindow();
+    if (!QTest::qWaitForWindowActive(form.get())) qWarning("%s never became active", f.name);
+  }
+  // What the form shows in its fields and lists, and the messages.
+  QString Shown() const {
+    QStringList shown;
+    for (const auto* edit : form->findChildren<QLineEdit*>()) shown << edit->text();
+    for (const auto* list : form->findChildren<QComboBox*>())  // the drive follows the folder
+      if (!qobject_cast<const forms::DriveListBox*>(list)) shown << list->currentText();
+    const QString here = QDir::toNativeSeparators(QDir::currentPath());  // where the folder lists open by themselves
+    for (const auto* d : form->findChildren<forms::DirListBox*>()) shown << (d->Path() == here ? "." : d->Path());
+    for (const auto& text : platform.Texts()) shown << QString::fromStdString(text);
+    return shown.join('|');
+  }
+  QString Focus() const { return form->focusWidget() ? form->focusWidget()->objectName() : QString(); }
+};
+
+// Why a control's caption does not show whole, or empty when it does.
+QString Clipped(const QWidget* w) {
+  const auto wider = [](int need, int room) {
+    return need > room ? QStringLiteral("%1 > %2").arg(need).arg(room) : QString();
+  };
+  if (const auto* label = qobject_cast<const QLabel*>(w)) {
+    const QRect lines = label->fontMetrics().boundingRect(QRect(0, 0, label->width(), 1000),
+                                                          label->wordWrap() ? Qt::TextWordWrap : 0, label->text());
+    return wider(lines.width(), label->width()) + wider(lines.height(), label->height());
+  }
+  if (const auto* button = qobject_cast<const QPushButton*>(w)) {
+    QStyleOptionButton option;
+    option.initFrom(button);
+    option.text = button->text();
+    const QRect room = button->style()->subElementRect(QStyle::SE_PushButtonContents, &option, button);
+    return wider(button->fontMetrics().horizontalAdvance(button->text()), room.width());
+  }
+  if (const auto* frame = qobject_cast<const QGroupBox*>(w)) {
+    const QRect caption = forms::FrameCaptionRect(frame);
+    return wider(frame->fontMetrics().horizontalAdvance(frame->title()), caption.width()) +
+           wider(caption.right() + 1, frame->width());
+  }
+  const bool list = qobject_cast<const QComboBox*>(w) && !qobject_cast<const forms::DriveListBox*>(w);
+  if (list || qobject_cast<const QCheckBox*>(w)) return wider(w->sizeHint().width(), w->width());
+  return {};
+}
+
+
+// What a control shows: its text, a drop-down list's pick, a folder list's folder.
+QString Text(QWidget* window, const char* name) {
+  auto* w = Child(window, name);
+  if (auto* list = qobject_cast<QComboBox*>(w)) return list->currentText();
+  if (auto* dirs = qobject_cast<forms::DirListBox*>(w)) return dirs->Path();
+  return w->property("text").toString();
+}
+
+// Replaces a field's text key by key (End, Backspace, the new text), through whatever filter it has.
+void Type(QWidget* window, const char* name, const char* text) {
+  auto* edit = Child<QLineEdit>(window, name);
+  edit->setFocus();
+  QTest::keyClick(edit, Qt::Key_End);
+  for (qsizetype n = edit->text().size(); n > 0; --n) QTest::keyClick(edit, Qt::Key_Backspace);
+  QTest::keyClicks(edit, QString::fromLatin1(text));
+}
+
+// Types each text into its field, then presses Enter.
+void Fill(QWidget* dialog, std::initializer_list<std::pair<const char*, const char*>> fields) {
+  for (const auto& [name, text] : fields) Type(dialog, name, text);
+  PressKey(dialog, Qt::Key_Return);
+}
+
+void Click(QWidget* window, const char* name) { QTest::mouseClick(Child<QPushButton>(window, name), Qt::LeftButton); }
+
+// Opens a menu of the menu bar with its Alt key, goes down steps items and presses Enter (a wrong item opens the
+// wrong window, or none).
+void OpenMenuItem(QMainWindow* window, Qt::Key letter, int steps) {
+  window->activateWindow();
+  QVERIFY(QTest::qWaitForWindowActive(window));
+  QTest::keyClick(window, letter, Qt::AltModifier);
+  QTRY_VERIFY(qobject_cast<QMenu*>(QApplication::activePopupWidget()));
+  for (int i = 0; i < steps; ++i) QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Down);
+  QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+}
+
+}  // namespace
+
+class TestWindows : public QObject {
+  Q_OBJECT
+ private slots:
+  // Also: the dump's font is a monospaced outline font and a page fits, drawn at the screen's resolution.
+  void formsHaveTheirDesignSizeAndNothingClipsOrOverlaps() {
+    for (const Form& f : kForms) {
+      Opened o(f);
+      QCOMPARE(o.form->devicePixelRatioF(), qEnvironmentVariable("QT_SCALE_FACTOR", "1").toDouble());
+      QWidget* client = o.form->findChild<QWidget*>(QStringLiteral("client"));
+      if (!client) client = o.form.get();
+      QCOMPARE(client->size(), QSize(forms::Px(f.width), forms::Px(f.height)));
+      QList<QWidget*> controls;  // the named controls of the client and of its frames
+      for (QWidget* c : o.form->findChildren<QWidget*>())
+        if (!c->objectName().isEmpty() && !c->objectName().startsWith(QLatin1String("qt_")) &&
+            (c->parentWidget() == client || qobject_cast<QGroupBox*>(c->parentWidget()))) controls << c;
+      for (QWidget* c : controls) {
+        const QRect g = c->geometry();
+        QString faults = Clipped(c) + (c->parentWidget()->rect().contains(g) ? "" : " sticks out");
+        const auto* frame = qobject_cast<const QGroupBox*>(c->parentWidget());
+        if (frame && forms::FrameCaptionRect(frame).intersects(g)) faults += " covers a caption";
+        for (QWidget* other : controls)  // a sibling
+          if (other != c && other->parentWidget() == c->parentWidget() && other->geometry().intersects(g))
+            faults += " overlaps " + other->objectName();
+        QVERIFY2(faults.isEmpty(), qPrintable(f.name + ("." + c->objectName()) + ": " + faults));
+      }
+    }
+    Opened o(kForms[0]);
+    QTest::mouseClick(Child<QPushButton>(o.form.get(), "cmdedit"), Qt::LeftButton);
+    auto* list = Child<QListWidget>(o.form.get(), "List1");
+    const QFontInfo font(list->font());
+    QVERIFY2(font.fixedPitch() && QFontDatabase::isSmoothlyScalable(font.family(), font.styleName()),
+             qPrintable(font.family()));
+    QVERIFY(list->viewport()->rect().contains(list->visualItemRect(list->item(6))));
+    QVERIFY(list->fontMetrics().horizontalAdvance(list->item(6)->text()) <= list->viewport()->width());
+    QCOMPARE(o.form->grab().size(), o.form->size() * o.form->devicePixelRatioF());
+    QCOMPARE(forms::AppIcon().pixmap(256, 256).deviceIndependentSize().toSize(), QSize(256, 256));
+  }
+
+  void theSameAt150And200Percent() {
+    if (qEnvironmentVariableIsSet("QT_SCALE_FACTOR")) QSKIP("this run is one of the scaled ones");
+    for (const QString factor : {"1.5", "2"}) {
+      QProcess run;
+      run.setEnvironment(QProcess::systemEnvironment() << "QT_SCALE_FACTOR=" + factor);
+      run.start(QCoreApplication::applicationFilePath(), {"formsHaveTheirDesignSizeAndNothingClipsOrOverlaps"});
+      QVERIFY2(run.waitForFinished(60000) && run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0,
+               qPrintable(factor + ":\n" + run.readAll()));
+    }
+  }
+
+  // Also: only the main window's Load and Save buttons name the File menu's Alt key.
+  void tabFollowsTheTabIndexAndEscDoesWhatCancelDoes() {
+    for (const Form& f : kForms) {
+      // What Esc and the cancel button leave: the fields, the messages, the window closed.
+      const auto after = [&](bool esc) {
+        Opened o(f);
+        if (esc) PressKey(o.form.get(), Qt::Key_Escape);
+        else QTest::mouseClick(Child<QPushButton>(o.form.get(), f.escape), Qt::LeftButton);
+        return o.Shown() + (o.form->isVisible() ? "|shown" : "|closed");
+      };
+      const QString escaped = *f.escape ? after(true) : "|closed";
+      if (*f.escape) QCOMPARE(escaped, after(false));
+      QVERIFY2(escaped.contains("|closed"), f.name);
+      const QStringList focus = QString(f.focus).split(' ');
+      Opened o(f);
+      QCOMPARE(o.Focus(), focus.front());
+      for (auto* button : o.form->findChildren<QPushButton*>()) {
+        const QString tip = button->toolTip(), name = button->objectName();
+        QVERIFY2(tip.contains("Enter") == (name == f.enter) && tip.contains("Esc") == (name == f.escape) &&
+                     tip.contains("Alt+F") == (name == "cmdload" || name == "cmdsave"), qPrintable(name + ": " + tip));
+      }
+      // The step buttons of the dump take the focus once they are enabled.
+      if (!*f.enter) QTest::mouseClick(Child<QPushButton>(o.form.get(), "cmdedit"), Qt::LeftButton);
+      o.form->findChild<QWidget*>(focus.front())->setFocus();
+      QStringList visited;
+      for (qsizetype i = 0; i <= focus.size(); ++i, PressKey(o.form.get(), Qt::Key_Tab)) visited << o.Focus();
+      QCOMPARE(visited, focus + QStringList{focus.front()});
+    }
+  }
+
+  // A store of garbage opens every window as an empty store does, with the defaults: a value that is no text
+  // counts as missing, a store that can't be read (bytes of no format, a folder where the file should be) as
+  // empty, a folder stored without its drive is not opened.
+  void aStoreOfGarbageOpensEveryWindowWithItsDefaults() {
+    QByteArray noise(4096, '\0');
+    for (int i = 0; i < noise.size(); ++i) noise[i] = static_cast<char>((i * 7919 + 13) % 251);
+    const QByteArray noText("[Address]\nBufFirst=@Rect(1 2 3 4)\n"
+                            "BufLast=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x10NoSuchType)\nLoadFirst=@Point(5 6)\n"
+                            "SaveFirst=@Size(1 1)\nstoredata=@Size(2 2)\n[Format]\nFileType=@Rect(0 0 0 0)\n"
+                            "[FilePath]\nSaveDrive=@Point(0 0)\nSaveDir=/tmp\nLoadDir=/tmp\n");
+    for (const QByteArray& store : {noise, noText, QByteArray()})
+      for (const Form& f : kForms)
+        QCOMPARE(Opened(f, &store).Shown() + " / " + Opened(f).Shown(), QString(f.defaults) + " / " + f.defaults);
+  }
+
+  // The load window in a folder with two visible files, a hidden one and a
+  // folder (the file list follows the folder list); Enter in the folder list opens the folder and loads nothing.
+  // The drive list's roots.
+  void folderFileAndDriveListsBrowseATree() {
+    QTemporaryDir dir;
+    const QString root = QDir::toNativeSeparators(dir.path());
+    for (const char* name : {"b.hex", "A.bin", ".hidden"}) WriteFile(dir.filePath(name).toStdString(), "x");
+    QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("sub")));
+    Opened o(kForms[1]);
+    auto* dirs = Child<forms::DirListBox>(o.form.get(), "Dir1");
+    auto* files = Child<forms::FileListBox>(o.form.get(), "File1");
+    QVERIFY(dirs->SetPath(root));
+    QStringList shown{dirs->item(dirs->count() - 1)->text().trimmed()};  // the last folder, then every file
+    for (int i = 0; i < files->ListCount(); ++i) shown << files->List(i);
+    QCOMPARE(shown, (QStringList{"sub", "A.bin", "b.hex"}));
+    dirs->setCurrentItem(dirs->item(dirs->count() - 1));
+    QTest::keyClick(dirs, Qt::Key_Return);
+    QCOMPARE(files->Path(), forms::JoinPath(root, "sub"));
+    QVERIFY(o.form->isVisible() && o.platform.messages.empty());
+    // The root keeps its separator, and a name joined to it gets no second one.
+    QVERIFY(dirs->SetPath(QDir::rootPath()));
+    QCOMPARE(forms::JoinPath(dirs->Path(), "x"), QDir::toNativeSeparators(QDir::rootPath() + "x"));
+#ifndef Q_OS_WIN
+    // The drives start with the root; a path's drive is the longest its name starts with.
+    QCOMPARE(forms::DriveRoots().value(0), QStringLiteral("/"));
+    for (const auto& [path, drive] :
+         {std::pair{"/mnt/data/x", "/mnt/data"}, {"/mnt/data2", "/mnt/data2"}, {"/mnt/database", "/"}})
+      QCOMPARE(forms::DriveOfPath(path, {"/", "/mnt/data", "/mnt/data2"}), QString(drive));
+#endif
+  }
+
+  void aSessionFromFirstStartToTheNext() {
+    TempSettings settings;
+    QTemporaryDir folder;
+    const QString dir = QDir::toNativeSeparators(folder.path());
+    const auto path = [&](const char* name) { return std::filesystem::path(folder.path().toStdString()) / name; };
+    // The program starts in the project's folder, where the lists open.
+    const auto back = qScopeGuard([started = QDir::currentPath()] { QDir::setCurrent(started); });
+    QDir::setCurrent(folder.path());
+    // 32 bytes 03, 0A, 11, ... (7 apart) at 0000.
+    WriteFile(path("app.hex"), ":10000000030A11181F262D343B424950575E656C78\r\n"
+                               ":10001000737A81888F969DA4ABB2B9C0C7CED5DC68\r\n:00000001FF\r\n");
+    for (const char* name : {"fw.HEX", "fw.YSM"}) WriteFile(path(name), name);
+
+    Module1 m;
+    forms::QtPlatform platform;
+    forms::AppContext ctx{m, platform, settings.store};
+    forms::frmsumtool window(ctx);
+    window.show();
+    window.activateWindow();  // Xvfb has no window manager to do it
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    // The step buttons, the area and the loaded file's name show but take no input (their texts: the garbage test).
+    for (const char* name : {"cmdeditplus", "cmdeditminus", "txtbuffaddr", "txtbufladdr", "Text1"})
+      QVERIFY2(!Child(&window, name)->isEnabled(), name);
+    auto* list = Child<QListWidget>(&window, "List1");
+    ModalScript script;
+    QStringList kept;  // what dialogs show as they are closed with Esc
+    const auto keep = [&](QWidget* d, std::initializer_list<const char*> names) {
+      for (const char* name : names) kept << Text(d, name);
+      PressKey(d, Qt::Key_Escape);
+    };
+
+    // Help, Version; Set Up, Buffer Address 10000 to 1FFFF.
+    script.Dialog<forms::frmversion>([](auto* d) { PressKey(d, Qt::Key_Escape); });
+    script.Run([&] { OpenMenuItem(&window, Qt::Key_H, 0); });
+    script.Dialog<forms::frmbufaddr>([](forms::frmbufaddr* d) { Fill(d, {{"Text1", "10000"}, {"Text2", "1ffff"}}); });
+    script.Run([&] { OpenMenuItem(&window, Qt::Key_S, 0); });
+    QCOMPARE(Text(&window, "txtbuffaddr") + Text(&window, "txtbufladdr"), QStringLiteral("000100000001FFFF"));
+
+    // File Load: app.hex picked with the mouse, with the offset 10010.
+    script.Dialog<forms::frmload>([&](forms::frmload* d) {
+      auto* files = Child<QListWidget>(d, "File1");
+      QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualItemRect(files->item(0)).center());
+      QTest::keyClick(Child(d, "Check1"), Qt::Key_Space);
+      Fill(d, {{"Text2", "10010"}});
+    }).Message("Load Complete!");
+    script.Run([&] { Click(&window, "cmdload"); });
+    QCOMPARE(Text(&window, "Text1"), QStringLiteral("app.hex"));
+
+    // Dump from 10010 typed through the filter, + once, - three times: the page stops at the area's start.
+    Type(&window, "txteditaddr", "1g0z01x0");
+    Click(&window, "cmdedit");
+    Click(&window, "cmdeditplus");
+    QCOMPARE(Text(&window, "txteditaddr"), QStringLiteral("00010020"));
+    for (int i = 0; i < 3; ++i) Click(&window, "cmdeditminus");
+    QCOMPARE(Text(&window, "txteditaddr"), QStringLiteral("00010000"));
+    QCOMPARE(list->item(1)->text(), QStringLiteral("00010010  030A11181F262D343B424950575E656C"));
+
+    // Block Store from 1FFF0 round the end to 1000F with 5A: the dump goes.
+    script.Dialog<forms::frmstore>([](auto* d) { Fill(d, {{"Text1", "1fff0"}, {"Text2", "1000f"}, {"Text3", "5a"}}); })
+        .Message("Block Store Complete!");
+    script.Run([&] { Click(&window, "cmdblstore"); });
+    QCOMPARE(list->count(), 0);
+
+    // Buffer SUM over the whole area (the loaded bytes, the stored ones either
+    // side of the wrap, FF elsewhere): Calculate with Enter, Close with Esc.
+    const auto sumsShown = [&] {
+      kept.clear();
+      script.Dialog<forms::frmsum>([&](auto* d) { PressKey(d, Qt::Key_Return), keep(d, {"Text1", "Text2", "Text3"}); });
+      script.Run([&] { Click(&window, "cmdbufsum"); });
+      return kept.join(' ');
+    };
+    QCOMPARE(sumsShown(), QStringLiteral("70 D970 ECF0"));
+
+    // File Save: HEX and YSM as "fw" with records of 20, over fw.HEX and
+    // fw.YSM: Yes then No leaves both files; Save again with Yes twice writes both.
+    script.Dialog<forms::frmsave>([&](forms::frmsave* d) {
+      for (const char* list : {"Combo1", "Combo1", "Combo2", "Combo3", "Combo3"})  // an item down each time named
+        QTest::keyClick(Child(d, list), Qt::Key_Down);
+      Fill(d, {{"Text4", "20"}, {"Text5", "fw"}});
+      QVERIFY(d->isVisible() && ReadFile(path("fw.HEX")) + ReadFile(path("fw.YSM")) == "fw.HEXfw.YSM");
+      PressKey(d, Qt::Key_Return);
+    }).Message("fw.HEX File Over Write?", QMessageBox::Warning, "Save")
+        .Message("fw.YSM File Over Write?", QMessageBox::Warning, "Save", Qt::Key_Escape)
+        .Message("fw.HEX File Over Write?", QMessageBox::Warning, "Save")
+        .Message("fw.YSM File Over Write?", QMessageBox::Warning, "Save")
+        .Message("HEX and YSM File Save Complete!");
+    script.Run([&] { Click(&window, "cmdsave"); });
+    // The sum file carries the 16-16 sum the SUM dialog showed; the HEX file records of 32 bytes.
+    QCOMPARE(ReadFile(path("fw.YSM")).substr(0, 16), std::string("S30700000000ECF0"));
+    QVERIFY(ReadFile(path("fw.HEX")).find("\r\n:20") != std::string::npos);
+
+    // Buffer Clear, answered Yes.
+    script.Message("Buffer Clear OK?", QMessageBox::Question, "BufferClear").Message("Buffer Clear Complete!");
+    script.Run([&] { Click(&window, "cmdbufclear"); });
+    QCOMPARE(Text(&window, "Text1"), QString());
+
+    // fw.HEX dropped on the window opens File Load with it picked; the sums come back.
+    script.Dialog<forms::frmload>([&](forms::frmload* d) {
+      QCOMPARE(Child<forms::FileListBox>(d, "File1")->FileName(), QStringLiteral("fw.HEX"));
+      PressKey(d, Qt::Key_Return);
+    }).Message("Load Complete!");
+    script.Run([&] {
+      QMimeData data;
+      data.setUrls({QUrl::fromLocalFile(folder.filePath(QStringLiteral("fw.HEX")))});
+      const QPoint at = list->mapTo(&window, list->rect().center());
+      QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+      QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+      QVERIFY(QApplication::sendEvent(&window, &enter) && enter.isAccepted());
+      QApplication::sendEvent(&window, &drop);
+    });
+    QCOMPARE(sumsShown(), QStringLiteral("70 D970 ECF0"));
+
+    // File, Exit, from the program's main loop: it ends the loop with status
+    // 0 and the area goes to the store (the drives too: the folders come back below).
+    auto giveUp = std::make_unique<QObject>();
+    QTimer::singleShot(10000, giveUp.get(), [] { QCoreApplication::exit(1); });
+    QTimer::singleShot(0, &window, [&] { OpenMenuItem(&window, Qt::Key_F, 2); });
+    QCOMPARE(QCoreApplication::exec(), 0);
+    giveUp.reset();
+    const auto stored = [&](const char* key) { return settings.store.Read(kAddress, key, ""); };
+    QCOMPARE(stored("BufFirst") + stored("BufLast"), std::string("000100000001FFFF"));
+
+    // The next start: the stored area, and each dialog with what was kept.
+    m = Module1{};
+    forms::frmsumtool again(ctx);
+    again.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&again));
+    kept = QStringList{Text(&again, "txtbuffaddr"), Text(&again, "txtbufladdr"), Text(&again, "txteditaddr")};
+    script.Dialog<forms::frmload>([&](forms::frmload* d) { keep(d, {"Text4", "Text3", "Dir1"}); })
+        .Dialog<forms::frmsave>([&](auto* d) { keep(d, {"Combo1", "Combo2", "Combo3", "Text4", "Text5", "Dir2"}); })
+        .Dialog<forms::frmstore>([&](forms::frmstore* d) { keep(d, {"Text1", "Text2", "Text3"}); });
+    script.Run([&] { for (const char* button : {"cmdload", "cmdsave", "cmdblstore"}) Click(&again, button); });
+    QCOMPARE(kept.join('|'), "00010000|0001FFFF|00010000|00010000|0001FFFF|" + dir +
+                                 "|Object and YSM File|HEX|16-16SUM|20||" + dir + "|0001FFF0|0001000F|5A");
+    // Closing the window, not only Exit, puts its area in the store.
+    settings.store.Write(kAddress, "BufFirst", "");
+    again.close();
+    QCOMPARE(stored("BufFirst") + stored("BufLast"), std::string("000100000001FFFF"));
+  }
+};
+
+QTEST_MAIN(TestWindows)
+#include "test_windows.moc"
