@@ -425,6 +425,28 @@ TEST(SaveFlow, SettingsStoredOnlyAfterSuccess) {
   EXPECT_EQ(w.store.values, expected.values);
 }
 
+// The stored types pick their items ignoring case and switch the lists on and off; an unknown type
+// leaves the lists as they were.
+TEST(SaveFlow, OpeningSwitchesTheListsTheStoredTypesNeed) {
+  const struct { const char *type, *format, *combo1, *combo2; bool combo2On, combo3On, text4On; } cases[] = {
+      {nullptr, nullptr, kObject, "BIN", true, false, false},
+      {"ysm file only", "hex", kYsm, "HEX", false, true, true},
+      {"OBJECT AND YSM FILE", "S", kPair, "S", true, true, true},
+      {"Everything", "ELF", "", "", true, true, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.combo1);
+    MemorySettings store;
+    if (c.type) store.Write(kFormat, "FileType", c.type);
+    if (c.format) store.Write(kFormat, "ObjectFileFormat", c.format);
+    SaveFields f;
+    cmdsave_Click(f, test::MakeImage(), store);
+    EXPECT_EQ(std::tie(f.Combo1, f.Combo2), std::tie(c.combo1, c.combo2));
+    EXPECT_EQ(std::vector({f.Combo2Enabled, f.Combo3Enabled, f.Text4Enabled}),
+              std::vector({c.combo2On, c.combo3On, c.text4On}));
+  }
+}
+
 // The writers' faults are theirs; the Save button shows them, stays open, stores nothing and writes a pair's YSM
 // file all the same.
 TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
