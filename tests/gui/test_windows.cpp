@@ -32,6 +32,12 @@ using namespace kestrum::test;
 
 namespace {
 
+// No display unless the caller names a platform; set before main constructs the application.
+[[maybe_unused]] const bool kPlatformChosen = [] {
+  if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  return true;
+}();
+
 // Points QSettings at a fresh temporary folder for the life of the object.
 struct TempSettings {
   TempSettings() {
