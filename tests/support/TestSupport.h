@@ -79,18 +79,8 @@ inline constexpr int kNoMeminfo = 123;
 RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir = {},
                      const RunOptions& options = {});
 
-// Built with AddressSanitizer: huge files and address space limits don't mix with it.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-inline constexpr bool kSanitized = true;
-#else
-inline constexpr bool kSanitized = false;
-#endif
-#else
-inline constexpr bool kSanitized = false;
-#endif
+// Built with the sanitizers: huge files and address space limits don't mix with them.
+inline constexpr bool kSanitized = KESTRUM_SANITIZED;
 
 // Lets files grow to at most limit bytes while it lives: a longer write
 // fails with "File too large" instead of ending the process.
