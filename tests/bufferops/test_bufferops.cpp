@@ -28,13 +28,10 @@ using Button = void (*)(Module1&, Platform&);
 const Button kDump = cmdedit_Click, kPlus = cmdeditplus_Click, kMinus = cmdeditminus_Click;
 
 TEST(Dump, PagesMovesAndRefusals) {
-  const struct {
-    Address bufFirst, bufLast;
-    const char* typed;
-    Button button;
-    const char* shown;       // txteditaddr afterwards, the first row's address
-    int rows, lastRowBytes;  // 0 rows: "Dump Address Error!" and the old dump stays
-  } cases[] = {
+  // shown: txteditaddr afterwards, the first row's address;
+  // 0 rows: "Dump Address Error!" and the old dump stays.
+  const struct { Address bufFirst, bufLast; const char* typed; Button button; const char* shown; int rows, lastRowBytes; }
+  cases[] = {
       {0, 0x7FFFF, "5", kDump, "00000005", 7, 16},
       {0, 0x7FFFF, "7FFFF", kDump, "0007FFFF", 1, 1},
       {0, 0x7FFFF, "7FF9F", kDump, "0007FF9F", 7, 1},     // start + 96 = BufLast
@@ -83,10 +80,7 @@ TEST(Dump, PagesMovesAndRefusals) {
 }
 
 TEST(Calculate, WorkedNumbersWrapsAndHalfWords) {
-  const struct {
-    Address bufFirst, bufLast;
-    const char *first, *last, *results;
-  } cases[] = {
+  const struct { Address bufFirst, bufLast; const char *first, *last, *results; } cases[] = {
       // 12 34 56 78 9A BC DE F0 at 00001000, and at 80001000 in the area from 80000000.
       {0, 0x7FFFF, "00001000", "00001005", "6A 026A 0368"},
       {0, 0x7FFFF, "00001001", "00001006", "36 0336 CF68"},
@@ -116,9 +110,7 @@ TEST(Calculate, WorkedNumbersWrapsAndHalfWords) {
 }
 
 TEST(Calculate, ChecksInOrderAndKeepsTheLastResults) {
-  const struct {
-    const char *text6, *text7, *message, *shown6, *shown7;
-  } cases[] = {
+  const struct { const char *text6, *text7, *message, *shown6, *shown7; } cases[] = {
       // Area 00001000..00001FFF.
       {"", "", "First Address Error!", "", ""},
       {"1000", "", "Last Address Error!", "1000", ""},
@@ -151,10 +143,7 @@ TEST(SumDialog, OpensFromTheStoreOrTheArea) {
 }
 
 TEST(StoreBlock, FillsTheRangeAndWrapsPastTheEnd) {
-  const struct {
-    Address first, last;
-    std::vector<std::pair<Address, Address>> stored;  // inclusive stretches
-  } cases[] = {
+  const struct { Address first, last; std::vector<std::pair<Address, Address>> stored; } cases[] = {  // inclusive
       {0x1234, 0x1234, {{0x1234, 0x1234}}},
       {0x1000, 0x1FFF, {{0x1000, 0x1FFF}}},
       {0x1FF0, 0x100F, {{0x1FF0, 0x1FFF}, {0x1000, 0x100F}}},
@@ -181,10 +170,7 @@ TEST(StoreDataValue, ReadsTheLeadingDigitsOfAByte) {
 }
 
 TEST(StoreButton, StoresOrRefusesWithTheFirstBadField) {
-  const struct {
-    StoreFields in;
-    const char *message, *shown1, *shown2;
-  } cases[] = {
+  const struct { StoreFields in; const char *message, *shown1, *shown2; } cases[] = {
       {{"1000", "1FFF", "A."}, "Block Store Complete!", "00001000", "00001FFF"},
       {{"", "", ""}, "First Address Error!", "", ""},
       {{"1000", "", ""}, "Last Address Error!", "1000", ""},
@@ -221,11 +207,8 @@ TEST(StoreButton, StoresOrRefusesWithTheFirstBadField) {
 }
 
 TEST(BufferArea, NewAreaIsClearedShownAndStoredOrNothingChanges) {
-  const struct {
-    const char *text1, *text2, *shown1, *shown2;
-    const char* message;  // "" when the area changes
-    bool busy;            // the pointer went to the hourglass and back
-  } cases[] = {
+  // message: "" when the area changes; busy: the pointer went to the hourglass and back.
+  const struct { const char *text1, *text2, *shown1, *shown2, *message; bool busy; } cases[] = {
       {"FF", "FFFF", "000000FF", "0000FFFF", "", true},
       {"00001000", "00001000", "00001000", "00001000", "", true},
       {"123456789", "12346FFF", "123456789", "12346FFF", "", true},  // 9 characters stay
@@ -253,8 +236,7 @@ TEST(BufferArea, NewAreaIsClearedShownAndStoredOrNothingChanges) {
       EXPECT_TRUE(store.values.empty());
       continue;
     }
-    EXPECT_EQ(m.BufFirst, AddressFromText(c.shown1));
-    EXPECT_EQ(m.BufLast, AddressFromText(c.shown2));
+    EXPECT_EQ(std::pair(m.BufFirst, m.BufLast), std::pair(AddressFromText(c.shown1), AddressFromText(c.shown2)));
     for (Address a = m.BufFirst; a <= m.BufLast; ++a) ASSERT_EQ(m.At(a), 0xFF);
     SumToolFields shown;  // no file, no dump, step buttons off
     shown.txtbuffaddr = shown.txteditaddr = c.shown1;
