@@ -30,7 +30,7 @@ const Button kDump = cmdedit_Click, kPlus = cmdeditplus_Click, kMinus = cmdeditm
 TEST(Dump, PagesMovesAndRefusals) {
   // shown: txteditaddr afterwards, the first row's address;
   // 0 rows: "Dump Address Error!" and the old dump stays.
-  const struct { Address bufFirst, bufLast; const char* typed; Button button; const char* shown; int rows, lastRowBytes; }
+  const struct { Address bufFirst, bufLast; const char* typed; Button button; const char* shown; int rows, lastRow; }
   cases[] = {
       {0, 0x7FFFF, "5", kDump, "00000005", 7, 16},
       {0, 0x7FFFF, "7FFFF", kDump, "0007FFFF", 1, 1},
@@ -72,7 +72,7 @@ TEST(Dump, PagesMovesAndRefusals) {
     for (int r = 0; r < c.rows; ++r) {
       const Address start = AddressFromText(c.shown) + 16 * r;
       std::string row = AddressToText(start) + "  ";
-      for (int k = 0; k < (r + 1 < c.rows ? 16 : c.lastRowBytes); ++k) row += HexByteText((start + k) & 0xFF);
+      for (int k = 0; k < (r + 1 < c.rows ? 16 : c.lastRow); ++k) row += HexByteText((start + k) & 0xFF);
       expected.push_back(row);
     }
     EXPECT_EQ(m.frmsumtool.List1, expected);
