@@ -28,7 +28,7 @@ using Button = void (*)(Module1&, Platform&);
 const Button kDump = cmdedit_Click, kPlus = cmdeditplus_Click, kMinus = cmdeditminus_Click;
 
 TEST(Dump, PagesMovesAndRefusals) {
-  // shown: txteditaddr afterwards, the first row's address;
+  // shown: txteditaddr afterwards, the first row's address; lastRow: the bytes in the last row;
   // 0 rows: "Dump Address Error!" and the old dump stays.
   const struct { Address bufFirst, bufLast; const char* typed; Button button; const char* shown; int rows, lastRow; }
   cases[] = {
