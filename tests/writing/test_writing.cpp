@@ -50,10 +50,8 @@ Module1 Image(Address first, Address last, int fill, Address saveFirst, Address 
 
 // format is BIN, HEX, S or the sum of a YSM file.
 SaveOutcome Write(const std::string& format, Module1& m, const std::string& path, Platform& platform) {
-  return format == "BIN" ? SaveBinFile(m, platform, path)
-         : format == "HEX" ? SaveHexFile(m, platform, path)
-         : format == "S"   ? SaveSFile(m, platform, path)
-                           : SaveYsmFile(m, platform, path, format);
+  return format == "BIN" ? SaveBinFile(m, platform, path) : format == "HEX" ? SaveHexFile(m, platform, path)
+         : format == "S" ? SaveSFile(m, platform, path) : SaveYsmFile(m, platform, path, format);
 }
 
 TEST(Writers, WrittenTextByteForByte) {
