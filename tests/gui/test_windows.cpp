@@ -42,7 +42,8 @@ namespace {
 struct TempSettings {
   TempSettings() {
     QSettings::setDefaultFormat(QSettings::IniFormat);
-    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, dir.path());
+    for (auto format : {QSettings::NativeFormat, QSettings::IniFormat})
+      QSettings::setPath(format, QSettings::UserScope, dir.path());
   }
   QTemporaryDir dir;
   forms::QtSettingsStore store;
@@ -287,7 +288,6 @@ class TestWindows : public QObject {
              qPrintable(font.family()));
     QVERIFY(list->viewport()->rect().contains(list->visualItemRect(list->item(6))));
     QVERIFY(list->fontMetrics().horizontalAdvance(list->item(6)->text()) <= list->viewport()->width());
-    QCOMPARE(o.form->grab().size(), o.form->size() * o.form->devicePixelRatioF());
     QCOMPARE(forms::AppIcon().pixmap(256, 256).deviceIndependentSize().toSize(), QSize(256, 256));
   }
 
@@ -321,9 +321,8 @@ class TestWindows : public QObject {
         QVERIFY2(tip.contains("Enter") == (name == f.enter) && tip.contains("Esc") == (name == f.escape) &&
                      tip.contains("Alt+F") == (name == "cmdload" || name == "cmdsave"), qPrintable(name + ": " + tip));
       }
-      // The step buttons of the dump take the focus once they are enabled.
-      if (!*f.enter) Click(o.form.get(), "cmdedit");
-      o.form->findChild<QWidget*>(focus.front())->setFocus();
+      // The step buttons of the dump take the focus once they are enabled (Space leaves the focus where it is).
+      if (!*f.enter) QTest::keyClick(Child(o.form.get(), "cmdedit"), Qt::Key_Space);
       QStringList visited;
       for (qsizetype i = 0; i <= focus.size(); ++i, PressKey(o.form.get(), Qt::Key_Tab)) visited << o.Focus();
       QCOMPARE(visited, focus + QStringList{focus.front()});
