@@ -393,7 +393,18 @@ class TestWindows : public QObject {
     forms::AppContext ctx{m, platform, settings.store};
     forms::frmsumtool window(ctx);
     QVERIFY(ShowActive(&window));
-    // The step buttons, the area and the loaded file's name show but take no input (their texts: the garbage test).
+    // The title and captions; the step buttons, the area and the loaded file's name show but take no input
+    // (their texts: the garbage test).
+    QStringList captions{window.windowTitle()};
+    for (const char* name : {"Frame1", "cmdload", "cmdsave", "Label8", "Frame2", "cmdbufclear", "cmdblstore",
+                             "cmdbufsum", "Frame3", "cmdedit", "Label1", "cmdeditplus", "cmdeditminus", "Frame4",
+                             "Label3", "Label4"}) {
+      QWidget* control = Child(&window, name);
+      captions << control->property(qobject_cast<QGroupBox*>(control) ? "title" : "text").toString();
+    }
+    QCOMPARE(captions.join('|'), "Kestrum|File Operation|File Load|File Save|Current File (Func F4)|Buffer Operation|"
+                                 "Buffer Clear|Block Store|Buffer SUM|Buffer Dump|Dump|Address|+|-|"
+                                 "Buffer Area (Func D6)|First  Address|Last  Address");
     for (const char* name : {"cmdeditplus", "cmdeditminus", "txtbuffaddr", "txtbufladdr", "Text1"})
       QVERIFY2(!Child(&window, name)->isEnabled(), name);
     auto* list = Child<QListWidget>(&window, "List1");
