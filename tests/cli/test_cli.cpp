@@ -95,6 +95,10 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
   }
   EXPECT_EQ(ReadFile(dir / "old"), "the old file");
   EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 4) << "a refused step left a file";
+  const std::string help = RunCli({"--help"}).out;  // the whole grammar
+  for (const char* step : {"  load FILE", "  fill FIRST:LAST BYTE", "  clear", "  sum", "  dump ADDRESS",
+                           "  save FILE --format", "  ysm FILE --sum", "  --area FIRST:LAST", "STEP --help"})
+    EXPECT_NE(help.find(step), std::string::npos) << step;
 }
 
 // Each written over a longer file, which must go whole; no range means the
