@@ -119,6 +119,7 @@ TEST(Writers, SCountAbove255FailsBeforeTheRecord) {
       {0x1000000, 0x10000F9, 0xFA, "S3FF01000000", false},
       {0, 0xF9, 0xFF, "S1FD0000", false},  // FF cut to FA bytes
       {0, 0xFC, 0xFF, "", true},  // FF cut to FD bytes: count 256
+      {0x1000000, 0x10001FF, 0xFB, "", true},
       {0xFF00, 0x101FF, 0xFC, "S1FFFF00" + ff252 + "FD\r\nS1FFFFFC" + ff252 + "01\r\n", true},
   };
   for (const auto& c : cases) {
@@ -316,6 +317,7 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
       {{.text7 = "80000", .text6 = "90000"}, "FirstAddress Error!", "00080000"},
       {{.text7 = "1", .text6 = "80000", .text5 = ""}, "LastAddress Error!", "00000001"},
       {{.text4 = "100", .combo2 = "HEX"}, "RecordLength Error!", "00000000"},  // only stored text has 3 digits
+      {{.text4 = ".5", .combo2 = "S"}, "RecordLength Error!", "00000000"},
       {{.combo1 = "", .combo2 = "", .combo3 = "", .text5 = ""}, "Enter or Select File Name!", "00000000"},
       {{.combo1 = "", .combo2 = "", .combo3 = ""}, "Format Error!", "00000000"},
       {{.combo1 = "", .combo3 = "", .text5 = "prog.S"}, "File Type Error!", "00000000"},
@@ -348,7 +350,11 @@ TEST(SaveFlow, NamesPromptsAndFiles) {
                  std::size_t binSize; } cases[] = {
       {{.combo2 = "S", .text5 = "prog.txt"}, {}, "", "S", "prog.txt", "prog.txt", 0},
       {{.text5 = "abc."}, {}, "", "BIN", "abc..BIN", "abc..BIN", 0},
+      {{.combo2 = "HEX"}, {}, "", "HEX", "prog.HEX", "prog.HEX", 0},
+      {{.combo2 = "S", .text5 = "prog.YSM"}, {}, "", "S", "prog.YSM", "prog.YSM", 0},
       {{.text4 = ""}, {}, "", "BIN", "prog.BIN", "prog.BIN", 256},  // BIN takes any record length
+      {{.text4 = ".5"}, {}, "", "BIN", "prog.BIN", "prog.BIN", 256},
+      {{.combo1 = kPair, .combo2 = "S", .text5 = "prog.YSM"}, {}, "", "S and YSM", "prog.S prog.YSM", "prog.YSM", 0},
       {{.text7 = "80", .text6 = "80"}, {}, "", "BIN", "prog.BIN", "prog.BIN", 1},
       {{.combo1 = kYsm, .combo2 = "HEX", .text5 = "prog.hex"}, {}, "", "YSM", "prog.hex", "prog.hex", 0},
       {{.combo1 = kPair, .combo3 = "16-16sum"}, {}, "", "BIN and YSM", "prog.BIN prog.YSM", "prog.BIN", 256},
@@ -360,6 +366,7 @@ TEST(SaveFlow, NamesPromptsAndFiles) {
       {{}, {"prog.BIN"}, "N", "?", "prog.BIN", "prog.BIN", 300},
       {{.combo1 = kPair}, {"prog.BIN", "prog.YSM"}, "YY", "prog.BIN?|prog.YSM?|BIN and YSM", "prog.BIN prog.YSM",
        "prog.BIN", 256},
+      {{.combo1 = kPair}, {"prog.BIN", "prog.YSM"}, "YN", "prog.BIN?|prog.YSM?", "prog.BIN", "prog.BIN", 300},
       {{.combo1 = kPair}, {"prog.BIN", "prog.YSM"}, "N", "prog.BIN?", "prog.BIN", "prog.BIN", 300},
       {{.combo1 = kPair, .combo2 = "HEX", .text5 = "prog.YSM"}, {"prog.HEX", "prog.ysm"}, "YN", "prog.HEX?|prog.YSM?",
        "prog.BIN", "prog.YSM", 300},
@@ -462,6 +469,10 @@ TEST(SaveFlow, FailuresNameTheFileAndStoreNothing) {
     w.ExpectReady();
     EXPECT_TRUE(w.m.FileError == 0 && w.store.values.empty());
     EXPECT_EQ(w.Files(), c.files);
+    // Saved again as HEX without closing the dialog: nothing is left over from the failure.
+    w.f.Combo2 = "HEX", w.f.Text5 = "prog";
+    EXPECT_TRUE(w.Save());
+    EXPECT_TRUE(w.platform.Texts().back().starts_with("HEX")) << w.platform.Texts().back();
   }
 }
 
