@@ -14,7 +14,7 @@ void cmdbufsum_Click(SumFields& f, const Module1& m, SettingsStore& store) {
   f.Text7 = store.Read(kAddress, "SUMladdr", m.frmsumtool.txtbufladdr);
 }
 
-bool Command1_Click(SumFields& f, Module1& m, Platform& platform) {
+bool TakeSumRange(SumFields& f, Module1& m, Platform& platform) {
   if (f.Text6.empty()) {
     platform.MsgBox("First Address Error!");
     return false;
@@ -39,7 +39,11 @@ bool Command1_Click(SumFields& f, Module1& m, Platform& platform) {
     platform.MsgBox("Address Error!");
     return false;
   }
+  return true;
+}
 
+bool Command1_Click(SumFields& f, Module1& m, Platform& platform) {
+  if (!TakeSumRange(f, m, platform)) return false;
   platform.SetMousePointer(vbHourglass);
   f.Command1Enabled = f.Command2Enabled = false;
   const Sums sums = CalculateSum(m);

@@ -28,6 +28,10 @@ void ShowSums(SumFields& f, const Sums& sums);
 // area's own addresses standing in for what is missing; no results yet.
 void cmdbufsum_Click(SumFields& f, const Module1& m, SettingsStore& store);
 
+// The range checks of "Calculate": pads the two address fields and sets
+// SumFirst and SumLast; false, after the message, when a check refused.
+bool TakeSumRange(SumFields& f, Module1& m, Platform& platform);
+
 // "Calculate": checks the range, stopping at the first bad end with its
 // message, sets SumFirst and SumLast and shows the sums. The dialog stays
 // open either way; false when a check refused the range.
