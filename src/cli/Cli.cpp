@@ -17,7 +17,7 @@ std::string Step::Option(const std::string& name, const std::string& fallback) c
 const std::vector<StepSpec>& AllSteps() {
   static const std::vector<StepSpec> steps = [] {
     std::vector<StepSpec> all;
-    for (auto part : {LoadSteps, BufferSteps, SaveSteps})
+    for (auto part : {LoadSteps, BufferSteps, CheckSteps, SaveSteps})
       for (auto& spec : part()) all.push_back(std::move(spec));
     return all;
   }();

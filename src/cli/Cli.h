@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "bufferops/CheckValue.h"
 #include "image/Module1.h"
 #include "image/Platform.h"
 
@@ -47,6 +48,7 @@ struct StepSpec {
   std::vector<OptionSpec> options;
   std::string summary;
   StepRunner run = nullptr;
+  std::string details = {};  // more lines for STEP --help
 };
 
 struct Step {
@@ -63,6 +65,7 @@ struct Step {
 std::vector<StepSpec> BufferSteps();
 std::vector<StepSpec> LoadSteps();
 std::vector<StepSpec> SaveSteps();
+std::vector<StepSpec> CheckSteps();
 const std::vector<StepSpec>& AllSteps();
 
 // The usage line of a step, as --help shows it.
@@ -73,6 +76,22 @@ std::string StepUsage(const StepSpec& spec);
 bool ParseRange(const std::string& text, Address& first, Address& last, std::string& why);
 // Reads hexadecimal text of 1 to maxDigits digits.
 bool ParseHex(const std::string& text, int maxDigits, Address& value);
+
+// A check value to store: --store ADDRESS and --order be|le of a step.
+struct StoreRequest {
+  bool wanted = false;
+  Address at = 0;
+  ByteOrder order = ByteOrder::Big;
+};
+
+// Reads --store and --order, refusing one without the other; gives the
+// exit status of a refusal, else kOk.
+int ReadStore(CliContext& ctx, const Step& step, StoreRequest& store);
+// Refuses count bytes at store.at that leave the area or fall inside
+// first..last, the range they check; else kOk.
+int CheckPlace(CliContext& ctx, const StoreRequest& store, int count, Address first, Address last);
+// Writes the value when one is wanted.
+void Store(CliContext& ctx, const StoreRequest& store, std::uint64_t value, int count);
 
 // Prints "kestrum-cli: message" to standard error and gives status.
 int Fail(CliContext& ctx, int status, const std::string& message);

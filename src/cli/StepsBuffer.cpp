@@ -61,14 +61,40 @@ int RunFill(CliContext& ctx, const Step& step) {
   return kOk;
 }
 
+// The sum to store, its kind and complement; refuses them without --store.
+int ReadSumStore(CliContext& ctx, const Step& step, StoreRequest& store, SumKind& kind,
+                 Complement& complement) {
+  if (int status = ReadStore(ctx, step, store); status != kOk) return status;
+  for (const char* option : {"--kind", "--complement"})
+    if (!store.wanted && step.Has(option))
+      return Fail(ctx, kUsage, std::string(option) + " goes with --store");
+  if (!store.wanted) return kOk;
+  const std::string k = step.Option("--kind"), c = step.Option("--complement", "none");
+  if (!step.Has("--kind")) return Fail(ctx, kUsage, "--store needs --kind 8-8|8-16|16-16");
+  if (k != "8-8" && k != "8-16" && k != "16-16")
+    return Fail(ctx, kUsage, "--kind: '" + k + "' is none of 8-8, 8-16 and 16-16");
+  if (c != "none" && c != "ones" && c != "twos")
+    return Fail(ctx, kUsage, "--complement: '" + c + "' is none of none, ones and twos");
+  kind = k == "8-8" ? SumKind::Sum8_8 : k == "8-16" ? SumKind::Sum8_16 : SumKind::Sum16_16;
+  complement = c == "none" ? Complement::None : c == "ones" ? Complement::Ones : Complement::Twos;
+  return kOk;
+}
+
 int RunSum(CliContext& ctx, const Step& step) {
   SumFields f;
   f.Text6 = ctx.m.frmsumtool.txtbuffaddr;
   f.Text7 = ctx.m.frmsumtool.txtbufladdr;
   int status = kOk;
   if (!step.args.empty() && !SplitRange(ctx, step.args[0], f.Text6, f.Text7, status)) return status;
+  StoreRequest store;
+  SumKind kind = SumKind::Sum8_8;
+  Complement complement = Complement::None;
+  if (status = ReadSumStore(ctx, step, store, kind, complement); status != kOk) return status;
   if (!Command1_Click(f, ctx.m, ctx.platform)) return Refused(ctx);
+  const int count = ValueBytes(kind);
+  if (status = CheckPlace(ctx, store, count, ctx.m.SumFirst, ctx.m.SumLast); status != kOk) return status;
   ctx.out << "8-8bit=" << f.Text1 << " 8-16bit=" << f.Text2 << " 16-16bit=" << f.Text3 << '\n';
+  Store(ctx, store, SumValue(CalculateSum(ctx.m), kind, complement), count);
   return kOk;
 }
 
@@ -96,8 +122,14 @@ std::vector<StepSpec> BufferSteps() {
       {"sum",
        {},
        "FIRST:LAST",
-       {},
-       "prints 8-8bit=XX 8-16bit=XXXX 16-16bit=XXXX over the range, the area by default (Buffer SUM)",
+       {{"--store", "ADDRESS"},
+        {"--kind", "8-8|8-16|16-16"},
+        {"--order", "be|le"},
+        {"--complement", "none|ones|twos"}},
+       "prints 8-8bit=XX 8-16bit=XXXX 16-16bit=XXXX over the range, the area by default (Buffer SUM); with "
+       "--store (which needs --kind and --order), writes the sum of that kind (1 byte for 8-8, else 2) from "
+       "ADDRESS in the order given, as is or as its ones' or twos' complement (the twos' makes the range and "
+       "the value sum to zero)",
        RunSum},
       {"dump", {"ADDRESS"}, {}, {}, "prints the page of 7 rows of 16 bytes at ADDRESS (Dump)", RunDump},
   };

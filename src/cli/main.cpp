@@ -40,6 +40,11 @@ void PrintHelp(std::ostream& out) {
          "or a value the matching dialog would refuse.\n";
 }
 
+int StepHelp(const StepSpec& spec) {
+  std::cout << "Usage: kestrum-cli " << StepUsage(spec) << "\n" << spec.summary << "\n" << spec.details;
+  return kOk;
+}
+
 int Usage(const std::string& message) {
   std::cerr << "kestrum-cli: " << message << "\nTry 'kestrum-cli --help'.\n";
   return kUsage;
@@ -88,8 +93,7 @@ int Parse(const std::vector<std::string>& words, Call& call) {
     step.spec = spec;
     ++i;
     if (i < words.size() && words[i] == "--help") {
-      std::cout << "Usage: kestrum-cli " << StepUsage(*spec) << "\n" << spec->summary << "\n";
-      return kOk;
+      return StepHelp(*spec);
     }
     for (const auto& name : spec->args) {
       if (i >= words.size()) return Usage(spec->name + " needs " + name);
@@ -100,8 +104,7 @@ int Parse(const std::vector<std::string>& words, Call& call) {
     while (i < words.size() && IsOption(words[i])) {
       const std::string& name = words[i];
       if (name == "--help") {
-        std::cout << "Usage: kestrum-cli " << StepUsage(*spec) << "\n" << spec->summary << "\n";
-        return kOk;
+        return StepHelp(*spec);
       }
       const OptionSpec* option = nullptr;
       for (const auto& o : spec->options)

@@ -6,6 +6,7 @@
 // few MiB whatever the size of a file or of its lines.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -96,7 +97,7 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
   EXPECT_EQ(ReadFile(dir / "old"), "the old file");
   EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 4) << "a refused step left a file";
   const std::string help = RunCli({"--help"}).out;  // the whole grammar
-  for (const char* step : {"  load FILE", "  fill FIRST:LAST BYTE", "  clear", "  sum", "  dump ADDRESS",
+  for (const char* step : {"  load FILE", "  fill FIRST:LAST BYTE", "  clear", "  sum", "  crc FIRST:LAST", "  dump ADDRESS",
                            "  save FILE --format", "  ysm FILE --sum", "  --area FIRST:LAST", "STEP --help"})
     EXPECT_NE(help.find(step), std::string::npos) << step;
 }
@@ -144,7 +145,7 @@ TEST(Cli, ReadmePipelinesRunAsShown) {
   std::istringstream readme(ReadFile(source / "README.md"));
   TempDir dir;
   fs::copy(source / "examples", dir / "examples");
-  const std::regex sumLine("8-8bit=[0-9A-F]{2} 8-16bit=[0-9A-F]{4} 16-16bit=[0-9A-F]{4}\n");
+  const std::regex printed("(8-8bit=[0-9A-F]{2} 8-16bit=[0-9A-F]{4} 16-16bit=[0-9A-F]{4}\n|CRC-[^=]+=[0-9A-F]+\n)*");
   int run = 0;
   bool inSection = false;
   for (std::string line; std::getline(readme, line);) {
@@ -157,10 +158,11 @@ TEST(Cli, ReadmePipelinesRunAsShown) {
     const auto r = RunCli(argv, dir.path());
     ++run;
     EXPECT_EQ(r.status, 0) << r.err;
-    // A pipeline that ends in a sum prints its line; one that writes a file prints nothing.
-    EXPECT_TRUE(argv[argv.size() - 2] == "sum" ? std::regex_match(r.out, sumLine) : r.out.empty()) << r.out;
+    // Each sum and crc prints its line, and nothing else is printed.
+    const auto steps = std::count(argv.begin(), argv.end(), "sum") + std::count(argv.begin(), argv.end(), "crc");
+    EXPECT_TRUE(std::regex_match(r.out, printed) && std::count(r.out.begin(), r.out.end(), '\n') == steps) << r.out;
   }
-  EXPECT_EQ(run, 3) << "README.md should show three pipelines";
+  EXPECT_EQ(run, 4) << "README.md should show four pipelines";
 }
 
 // A save into a read-only folder stops with the file and the reason; a
