@@ -4,8 +4,9 @@ namespace kestrum {
 
 ByteBuffer ByteBuffer::Allocate(std::size_t count) {
   ByteBuffer buffer;
-  // calloc hands out zeroed pages without touching them first.
-  buffer.data_.reset(static_cast<std::uint8_t*>(std::calloc(count == 0 ? 1 : count, 1)));
+  // Zeroed pages are handed out without being touched first.
+  buffer.data_ =
+      std::unique_ptr<std::uint8_t[], Free>(static_cast<std::uint8_t*>(AllocatePages(count)), Free{count});
   if (buffer.data_) buffer.size_ = count;
   return buffer;
 }

@@ -1,10 +1,11 @@
 #pragma once
-// The memory behind the image: one zero-filled allocation that reports a
-// failure instead of throwing, and is moved, never copied.
+// The memory behind the image: one zero-filled allocation on large pages
+// that reports a failure instead of throwing, and is moved, never copied.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
+
+#include "image/PageMemory.h"
 
 namespace kestrum {
 
@@ -24,7 +25,8 @@ class ByteBuffer {
 
  private:
   struct Free {
-    void operator()(std::uint8_t* p) const { std::free(p); }
+    std::size_t count;  // what was asked for; zero in an empty buffer
+    void operator()(std::uint8_t* p) const { ReleasePages(p, count); }
   };
   std::unique_ptr<std::uint8_t[], Free> data_;
   std::size_t size_ = 0;

@@ -178,7 +178,7 @@ bool OutputFile::Commit() {
 }
 
 TextOutput::TextOutput(OutputFile& file)
-    : file_(file), block_(new (std::nothrow) char[kBlock]) {
+    : file_(file), block_(static_cast<char*>(AllocatePages(kBlock))) {
   next_ = block_.get();
   end_ = block_ ? next_ + kBlock : next_;
   if (!block_) file_.Fail("write", "out of memory");

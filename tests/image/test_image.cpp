@@ -10,6 +10,7 @@
 #include "image/KeyFilters.h"
 #include "image/Memory.h"
 #include "image/Module1.h"
+#include "image/PageMemory.h"
 #include "image/Startup.h"
 
 namespace kestrum {
@@ -79,6 +80,8 @@ TEST(SizeBuffer, OneSpareElementOrEverythingAsItWas) {
   const struct { Address first, last; SizeResult result; Address size; } cases[] = {  // size: BufSize afterwards
       {0x1000, 0x1000, SizeResult::Ok, 1},
       {0x11, 0x10, SizeResult::Ok, 0},  // an empty area is allowed
+      {0, kLargePage - 2, SizeResult::Ok, kLargePage - 1},  // one large page, spare element included
+      {0, 3 * kLargePage, SizeResult::Ok, 3 * kLargePage + 1},  // a part page at the end
       {0x10, 0x0, SizeResult::NegativeSize, 0x100},
       {0x0, 0xFFFFFFFF, SizeResult::TooLarge, 0x100},
       {0x0, kMaxBufSize, SizeResult::TooLarge, 0x100},
