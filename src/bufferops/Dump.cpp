@@ -1,5 +1,7 @@
 #include "bufferops/Dump.h"
 
+#include "image/HexCodec.h"
+
 namespace kestrum {
 
 namespace {
@@ -26,19 +28,17 @@ void ShowPage(Module1& m) {
 }  // namespace
 
 std::vector<std::string> DumpRows(const Module1& m) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
   std::vector<std::string> rows;
   const Address start = m.DumpAddr - m.BufFirst;
-  const Address end = m.DumpAddr + kDumpLastRowOffset < m.BufLast ? start + kDumpLastRowOffset
-                                                                   : m.BufLast - m.BufFirst;
+  const Address end =
+      m.DumpAddr + kDumpLastRowOffset < m.BufLast ? start + kDumpLastRowOffset : m.BufLast - m.BufFirst;
   for (Address i = start; i <= end; i += kDumpRowBytes) {
     std::string line = AddressToText(m.BufFirst + i) + "  ";
     const Address last = m.BufFirst + i + 15 <= m.BufLast ? i + 15 : m.BufLast - m.BufFirst;
-    for (Address j = i; j <= last; ++j) {
-      const std::uint8_t b = m.Buffer[static_cast<std::size_t>(j)];
-      line += kDigits[b >> 4];
-      line += kDigits[b & 0xF];
-    }
+    const auto count = static_cast<std::size_t>(last - i + 1);
+    const std::size_t head = line.size();
+    line.resize(head + 2 * count);
+    EncodeHex(&m.Buffer[static_cast<std::size_t>(i)], count, line.data() + head);
     rows.push_back(std::move(line));
   }
   return rows;

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 
 #include "TestSupport.h"
 #include "bufferops/ClearBuffer.h"
 #include "image/Address.h"
+#include "image/HexCodec.h"
 #include "image/KeyFilters.h"
 #include "image/Memory.h"
 #include "image/Module1.h"
@@ -47,6 +49,25 @@ TEST(AddressText, PadsToEightAndWritesBytesAsTwoDigits) {
   for (const auto& [in, out] : pads) EXPECT_EQ(PadAddressText(in), out) << in;
   const std::pair<int, const char*> bytes[] = {{10, "0A"}, {255, "FF"}, {0, "00"}};
   for (const auto& [value, text] : bytes) EXPECT_EQ(HexByteText(value), text);
+}
+
+TEST(HexEncode, EveryEncoderWritesTheDigitsAndSumOfEachLength) {
+  std::uint8_t bytes[100];
+  for (std::size_t i = 0; i < sizeof bytes; ++i) bytes[i] = static_cast<std::uint8_t>(i * 167 + 89);
+  for (const auto& [name, encode] : HexEncoders()) {
+    for (std::size_t n = 0; n <= sizeof bytes; ++n) {  // every width's tail
+      std::string want, got(2 * n + 1, '#');
+      unsigned sum = 0;
+      for (std::size_t i = 0; i < n; ++i) {
+        char pair[3];
+        std::snprintf(pair, sizeof pair, "%02X", bytes[i]);
+        want += pair;
+        sum += bytes[i];
+      }
+      EXPECT_EQ(encode(bytes, n, got.data()), sum) << name << " " << n;
+      EXPECT_EQ(got, want + "#") << name << " " << n;  // nothing written past the digits
+    }
+  }
 }
 
 constexpr std::uint64_t kKiB = 1024;
