@@ -217,14 +217,18 @@ void Reset(Module1& m) {
   m.FileError = 0;
 }
 
+// Removed when the process ends through exit(), as libFuzzer ends a timed
+// run: a static object's destructor, for the text it removes must still
+// be there then.
+struct Scratch {
+  std::string path;
+  ~Scratch() { std::remove(path.c_str()); }
+};
+
 const std::string& ScratchFile() {
-  static const std::string path = [] {
-    const std::string p =
-        (std::filesystem::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".load")).string();
-    std::atexit([] { std::remove(ScratchFile().c_str()); });
-    return p;
-  }();
-  return path;
+  static const Scratch scratch{
+      (std::filesystem::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".load")).string()};
+  return scratch.path;
 }
 
 // The splitter's lines at a small block size: each the model's line, whole

@@ -51,21 +51,21 @@ class AnsweringPlatform : public Platform {
   unsigned answers_;
 };
 
+// Removed when the process ends through exit(), as libFuzzer ends a timed
+// run: by a static object's destructor, for the paths must still be there then.
 struct Places {
   fs::path parent, dir;
+  ~Places() {
+    std::error_code ec;
+    fs::remove_all(parent, ec);
+  }
 };
 
 const Places& Scratch() {
   static const Places places = [] {
-    Places p;
-    p.parent = fs::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".save");
-    p.dir = p.parent / "dir";
-    fs::create_directories(p.dir);
-    std::atexit([] {
-      std::error_code ec;
-      fs::remove_all(Scratch().parent, ec);
-    });
-    return p;
+    const fs::path parent = fs::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".save");
+    fs::create_directories(parent / "dir");
+    return Places{parent, parent / "dir"};
   }();
   return places;
 }
