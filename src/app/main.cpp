@@ -1,5 +1,6 @@
 // kestrum: the window program.
 #include <QApplication>
+#include <cstdio>
 
 #include "forms/FormSupport.h"
 #include "forms/QtSeams.h"
@@ -22,6 +23,8 @@ int main(int argc, char** argv) {
   kestrum::Module1 m;
   kestrum::forms::QtPlatform platform;
   kestrum::forms::QtSettingsStore store;
+  if (const QString why = store.Problem(kestrum::kApp); !why.isEmpty())
+    std::fprintf(stderr, "kestrum: %s; starting with the defaults\n", qPrintable(why));
   kestrum::forms::AppContext ctx{m, platform, store};
   kestrum::forms::frmsumtool window(ctx);
   if (!window.started()) {

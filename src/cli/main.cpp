@@ -6,6 +6,7 @@
 
 #include "cli/Cli.h"
 #include "image/Module1.h"
+#include "image/System.h"
 
 using namespace kestrum;
 using namespace kestrum::cli;
@@ -126,6 +127,8 @@ int Parse(const std::vector<std::string>& words, Call& call) {
 
 int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
+  // An interrupted save leaves no working file behind.
+  sys::RemoveWorkingFilesOnInterrupt();
   std::vector<std::string> words(argv + 1, argv + argc);
   Call call;
   if (int status = Parse(words, call); status >= 0) return status;

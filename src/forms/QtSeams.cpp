@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QFileInfo>
 #include <QSettings>
+#include <QStandardPaths>
 
 namespace kestrum::forms {
 
@@ -45,9 +47,27 @@ QString KeyPath(const std::string& section, const std::string& key) {
 }
 }  // namespace
 
+QtSettingsStore::QtSettingsStore(QString folder) : folder_(std::move(folder)) {}
+
+QString QtSettingsStore::DefaultFolder() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+}
+
+QString QtSettingsStore::File(const std::string& app) const {
+  const QString name = QString::fromStdString(app);
+  return folder_ + QLatin1Char('/') + name + QLatin1Char('/') + name + QStringLiteral(".conf");
+}
+
+QString QtSettingsStore::Problem(const std::string& app) const {
+  const QFileInfo file(File(app));
+  if (!file.exists() || file.isFile()) return {};
+  return file.filePath() + QStringLiteral(" is not a regular file: the settings are neither read nor stored");
+}
+
 std::string QtSettingsStore::GetSetting(const std::string& app, const std::string& section,
                                         const std::string& key) {
-  QSettings settings(QSettings::UserScope, QString::fromStdString(app), QString::fromStdString(app));
+  if (!Problem(app).isEmpty()) return {};
+  QSettings settings(File(app), QSettings::IniFormat);
   const QVariant value = settings.value(KeyPath(section, key));
   // A value that is no text (a hand-edited list, say) counts as missing.
   if (!value.isValid() || !value.canConvert<QString>()) return {};
@@ -56,7 +76,8 @@ std::string QtSettingsStore::GetSetting(const std::string& app, const std::strin
 
 void QtSettingsStore::SaveSetting(const std::string& app, const std::string& section,
                                   const std::string& key, const std::string& value) {
-  QSettings settings(QSettings::UserScope, QString::fromStdString(app), QString::fromStdString(app));
+  if (!Problem(app).isEmpty()) return;
+  QSettings settings(File(app), QSettings::IniFormat);
   settings.setValue(KeyPath(section, key), QString::fromStdString(value));
 }
 

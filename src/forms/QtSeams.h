@@ -16,14 +16,25 @@ class QtPlatform : public Platform {
   bool overridden_ = false;
 };
 
-// QSettings in the platform's native place: organisation and application
-// are the store's application name, the section is a group.
+// QSettings in an INI file, APP/APP.conf under the user's configuration
+// folder: the store's application name twice, the section as a group.
 class QtSettingsStore : public SettingsStore {
  public:
+  explicit QtSettingsStore(QString folder = DefaultFolder());
+  static QString DefaultFolder();
+  // Why the store of app is neither read nor written, or empty. QSettings
+  // reads its file as soon as it is made, and a pipe there would hold the
+  // window before it shows: only a regular file (or none yet) is used.
+  QString Problem(const std::string& app) const;
+
   std::string GetSetting(const std::string& app, const std::string& section,
                          const std::string& key) override;
   void SaveSetting(const std::string& app, const std::string& section, const std::string& key,
                    const std::string& value) override;
+
+ private:
+  QString File(const std::string& app) const;
+  QString folder_;
 };
 
 }  // namespace kestrum::forms

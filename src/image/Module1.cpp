@@ -3,6 +3,7 @@
 #include <new>
 
 #include "image/Memory.h"
+#include "image/System.h"
 
 namespace kestrum {
 
@@ -10,10 +11,12 @@ SizeResult SizeBuffer(Module1& m, Address first, Address last) {
   const Address size = last - first + 1;
   if (size < 0) return SizeResult::NegativeSize;
   if (size > kMaxBufSize) return SizeResult::TooLarge;
-  // Zeroed pages are handed out untouched; the fill with FF that follows
-  // would be killed halfway if the system can't back them.
-  const auto available = AvailableMemory();
-  if (available && static_cast<std::uint64_t>(size) + 1 > *available) return SizeResult::OutOfMemory;
+  // Zeroed pages are handed out untouched; the fill with FF that follows,
+  // or a later save's output block, would be killed halfway if the system
+  // can't back them.
+  const auto available = sys::AvailableMemory();
+  if (available && static_cast<std::uint64_t>(size) + 1 + kOperationReserve > *available)
+    return SizeResult::OutOfMemory;
   ByteBuffer fresh = ByteBuffer::Allocate(static_cast<std::size_t>(size) + 1);
   if (!fresh.ok()) return SizeResult::OutOfMemory;
   m.Buffer = std::move(fresh);

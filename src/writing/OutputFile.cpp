@@ -1,6 +1,7 @@
 #include "writing/OutputFile.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <new>
@@ -18,13 +19,35 @@ std::string Reason(int error) {
   return error != 0 ? std::generic_category().message(error) : std::string("unknown failure");
 }
 
-// A name that no user file is likely to have, hidden from the file lists.
-std::string WorkingName(std::mt19937_64& random) {
+struct CloseStream {
+  void operator()(std::FILE* f) const { std::fclose(f); }
+};
+
+// A name that tells the user which file it belongs to, hidden from the file
+// lists, that no user file is likely to have.
+std::string WorkingName(const fs::path& target, std::mt19937_64& random) {
   static constexpr char kDigits[] = "0123456789abcdef";
-  std::string name = ".kestrum-";
+  std::string name = "." + target.filename().string().substr(0, 200) + ".kestrum-";
   std::uint64_t bits = random();
-  for (int i = 0; i < 12; ++i, bits >>= 4) name += kDigits[bits & 0xF];
+  for (int i = 0; i < 6; ++i, bits >>= 4) name += kDigits[bits & 0xF];
   return name + ".tmp";
+}
+
+// Follows symbolic links, also to a file that doesn't exist yet.
+bool ResolveLinks(std::string& path, std::error_code& ec) {
+  for (int hops = 0; hops < 40; ++hops) {
+    if (!fs::is_symlink(fs::symlink_status(path, ec))) return true;
+    const fs::path to = fs::read_symlink(path, ec);
+    if (ec) return false;
+    path = (to.is_absolute() ? to : fs::path(path).parent_path() / to).string();
+  }
+  ec = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  return false;
+}
+
+std::string FolderOf(const std::string& path) {
+  const fs::path folder = fs::path(path).parent_path();
+  return folder.empty() ? std::string(".") : folder.string();
 }
 
 }  // namespace
@@ -37,7 +60,8 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
     path_ = std::move(other.path_);
     target_ = std::move(other.target_);
     working_ = std::move(other.working_);
-    file_ = std::move(other.file_);
+    file_ = std::exchange(other.file_, sys::kNoFile);
+    listed_ = std::move(other.listed_);
     failure_ = std::move(other.failure_);
     committed_ = other.committed_;
     other.working_.clear();
@@ -57,12 +81,11 @@ bool OutputFile::Fail(const char* doing, const std::string& reason) {
 }
 
 void OutputFile::Discard() {
-  file_.reset();
-  if (!working_.empty() && working_ != target_) {
-    std::error_code ec;
-    fs::remove(working_, ec);
-  }
+  std::error_code ec;
+  if (file_ != sys::kNoFile) sys::Close(std::exchange(file_, sys::kNoFile), ec);
+  if (!working_.empty() && working_ != target_) fs::remove(working_, ec);
   working_.clear();
+  listed_.Reset();
 }
 
 OutputFile OutputFile::Create(const std::string& path) {
@@ -79,58 +102,49 @@ OutputFile OutputFile::Create(const std::string& path) {
     return out;
   }
   std::error_code ec;
-  // Through a link the content goes to the file it points at; the link stays.
-  if (fs::is_symlink(fs::symlink_status(path, ec))) {
-    fs::path resolved = fs::weakly_canonical(path, ec);
-    if (!ec) out.target_ = resolved.string();
+  if (!ResolveLinks(out.target_, ec)) {
+    out.Fail("create", ec.message());
+    return out;
   }
   const fs::file_status status = fs::status(out.target_, ec);
   if (fs::exists(status) && !fs::is_regular_file(status)) {
-    errno = 0;
-    out.file_.reset(std::fopen(out.target_.c_str(), "wb"));
-    if (!out.file_) {
-      out.Fail("create", Reason(errno));
+    out.file_ = sys::OpenForWriting(out.target_, ec);
+    if (out.file_ == sys::kNoFile) out.Fail("create", ec.message());
+    else out.working_ = out.target_;
+    return out;
+  }
+  const bool replaces = fs::is_regular_file(status);
+  // A file the user may not write stays protected, though its folder
+  // would let a new file take its name.
+  if (replaces) {
+    const sys::FileHandle probe = sys::OpenForWriting(out.target_, ec);
+    if (probe == sys::kNoFile) {
+      out.Fail("create", ec.message());
       return out;
     }
-    out.working_ = out.target_;
-  } else {
-    // A file the user may not write stays protected, though its folder
-    // would let a new file take its name.
-    if (fs::is_regular_file(status)) {
-      errno = 0;
-      std::unique_ptr<std::FILE, Close> probe(std::fopen(out.target_.c_str(), "ab"));
-      if (!probe) {
-        out.Fail("create", Reason(errno));
-        return out;
-      }
-    }
-    fs::path folder = fs::path(out.target_).parent_path();
-    if (folder.empty()) folder = ".";
-    std::mt19937_64 random(std::random_device{}() ^ reinterpret_cast<std::uintptr_t>(&out));
-    int error = 0;
-    for (int attempt = 0; attempt < 100 && !out.file_; ++attempt) {
-      const std::string candidate = (folder / WorkingName(random)).string();
-      errno = 0;
-      out.file_.reset(std::fopen(candidate.c_str(), "wbx"));
-      error = errno;
-      if (out.file_) out.working_ = candidate;
-      else if (error != EEXIST) break;
-    }
-    if (!out.file_) {
-      out.Fail("create", Reason(error));
-      return out;
+    sys::Close(probe, ec);
+  }
+  const fs::path folder = FolderOf(out.target_);
+  std::mt19937_64 random(std::random_device{}() ^ reinterpret_cast<std::uintptr_t>(&out));
+  for (int attempt = 0; attempt < 100 && out.file_ == sys::kNoFile; ++attempt) {
+    const std::string candidate = (folder / WorkingName(out.target_, random)).string();
+    ec.clear();
+    out.file_ = sys::CreateExclusive(candidate, replaces ? out.target_ : std::string(), ec);
+    if (out.file_ != sys::kNoFile) {
+      out.working_ = candidate;
+      out.listed_ = sys::ListedName(candidate);
+    } else if (ec != std::errc::file_exists) {
+      break;
     }
   }
-  // The writers hand over large blocks; a second buffer would only copy them.
-  std::setvbuf(out.file_.get(), nullptr, _IONBF, 0);
+  if (out.file_ == sys::kNoFile) out.Fail("create", ec.message());
   return out;
 }
 
 bool OutputFile::Write(const void* data, std::size_t size) {
   if (!ok()) return false;
-  if (size == 0) return true;
-  errno = 0;
-  if (std::fwrite(data, 1, size, file_.get()) != size) return Fail("write", Reason(errno));
+  std::error_code ec;
+  if (size != 0 && !sys::WriteAll(file_, data, size, ec)) return Fail("write", ec.message());
   return true;
 }
 
@@ -142,7 +156,7 @@ bool OutputFile::AppendOldTail(std::uint64_t offset) {
   if (!fs::is_regular_file(status)) return true;
   const std::uintmax_t size = fs::file_size(target_, ec);
   if (ec || size <= offset) return true;
-  std::unique_ptr<std::FILE, Close> old(std::fopen(target_.c_str(), "rb"));
+  std::unique_ptr<std::FILE, CloseStream> old(std::fopen(target_.c_str(), "rb"));
   if (!old) return Fail("keep the end of", Reason(errno));
   if (std::fseek(old.get(), static_cast<long>(offset), SEEK_SET) != 0)
     return Fail("keep the end of", Reason(errno));
@@ -163,17 +177,38 @@ bool OutputFile::AppendOldTail(std::uint64_t offset) {
 
 bool OutputFile::Commit() {
   if (!ok()) return false;
-  errno = 0;
-  std::FILE* f = file_.release();
-  if (std::fclose(f) != 0) return Fail("write", Reason(errno));
-  if (working_ != target_) {
-    std::error_code ec;
-    const fs::file_status old = fs::status(target_, ec);
-    if (fs::is_regular_file(old)) fs::permissions(working_, old.permissions(), ec);
-    fs::rename(working_, target_, ec);
-    if (ec) return Fail("create", ec.message());
+  std::error_code ec;
+  const sys::FileHandle file = std::exchange(file_, sys::kNoFile);
+  if (!sys::Flush(file, ec)) {
+    std::error_code ignored;
+    sys::Close(file, ignored);
+    return Fail("write", ec.message());
   }
+  if (!sys::Close(file, ec)) return Fail("write", ec.message());
+  if (working_ != target_ && !Replace()) return false;
   committed_ = true;
+  listed_.Reset();
+  return true;
+}
+
+bool OutputFile::Replace() {
+  std::error_code ec;
+  if (sys::LinkCount(target_) > 1) {
+    bool touched = false;
+    if (sys::CopyContent(working_, target_, touched, ec)) {
+      fs::remove(working_, ec);
+      return true;
+    }
+    if (!touched) return Fail("write", ec.message());
+    // The target may hold part of each content now: the whole new one stays.
+    failure_ = "Can't write " + path_ + ": " + ec.message() + "; the new content is in " + working_;
+    working_.clear();
+    return Fail("write", ec.message());
+  }
+  fs::rename(working_, target_, ec);
+  if (ec) return Fail("create", ec.message());
+  working_ = target_;
+  if (!sys::FlushFolder(FolderOf(target_), ec)) return Fail("flush the folder of", ec.message());
   return true;
 }
 

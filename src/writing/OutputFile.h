@@ -1,14 +1,19 @@
 #pragma once
 // The one place where the writers touch the disk. A file being written is
-// made beside its target and takes the target's name only when it is whole,
-// so a failure at any point leaves whatever stood under that name untouched.
+// made beside its target, named after it (.NAME.kestrum-XXXXXX.tmp), with
+// the target's rights from the start, and takes the target's name only when
+// it is whole and on the disk, so a failure at any point leaves whatever
+// stood under that name untouched. A target with more than one name gets
+// the new content through its own file once that content is safe on the
+// disk, so that all its names keep showing one file.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string>
 
+#include "image/Memory.h"
 #include "image/PageMemory.h"
+#include "image/System.h"
 
 namespace kestrum {
 
@@ -24,7 +29,8 @@ class OutputFile {
 
   // Starts a new file for path. A regular file (or nothing) at path is
   // replaced on Commit; anything else there (a device, a pipe) is written
-  // in place. ok() is false, with failure() telling why, when it can't.
+  // in place. A symbolic link is followed, also one that points nowhere
+  // yet: the file is made where it points, and the link stays. ok() is false, with failure() telling why, when it can't.
   static OutputFile Create(const std::string& path);
 
   // Each gives false, with failure() set, when the file can't take it; a
@@ -32,7 +38,8 @@ class OutputFile {
   bool Write(const void* data, std::size_t size);
   // Appends what the file at path held from offset on, if it held more.
   bool AppendOldTail(std::uint64_t offset);
-  // Closes the file and gives it the target's name.
+  // Flushes the file to the disk, closes it and gives it the target's name
+  // (or content), and flushes the folder's names.
   bool Commit();
 
   // Gives up the file: it is removed unless written in place, and failure()
@@ -44,15 +51,14 @@ class OutputFile {
   const std::string& path() const { return path_; }
 
  private:
-  struct Close {
-    void operator()(std::FILE* f) const { std::fclose(f); }
-  };
   void Discard();
+  bool Replace();
 
   std::string path_;     // the name the user gave
   std::string target_;   // the file that takes the content: path_ with links resolved
   std::string working_;  // the file being written; equals target_ when written in place
-  std::unique_ptr<std::FILE, Close> file_;
+  sys::FileHandle file_ = sys::kNoFile;
+  sys::ListedName listed_;  // working_, removed if the process is interrupted
   std::string failure_;
   bool committed_ = false;
 };
@@ -64,6 +70,7 @@ class OutputFile {
 class TextOutput {
  public:
   static constexpr std::size_t kBlock = kLargePage;
+  static_assert(kBlock + (std::size_t{8} << 20) <= kOperationReserve, "the image leaves room for the block");
   explicit TextOutput(OutputFile& file);
 
   // Room for at least size more characters (size <= kBlock / 2); nullptr

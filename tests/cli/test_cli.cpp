@@ -5,6 +5,10 @@
 // README's pipelines, Out of Memory, and a peak memory of the image and a
 // few MiB whatever the size of a file or of its lines.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 
 #include <algorithm>
 #include <cstring>
@@ -14,7 +18,7 @@
 #include <sstream>
 
 #include "TestSupport.h"
-#include "image/Memory.h"
+#include "image/System.h"
 #include "writing/Writers.h"
 
 namespace kestrum {
@@ -220,8 +224,9 @@ TEST(Cli, AHexFileOfOneGibibyteInBoundedMemory) {
 
 TEST(Cli, AnAreaTheMachineCannotBackIsOutOfMemory) {
   const struct { const char* name; test::RunOptions options; const char* area; int status; } cases[] = {
-      {"memory and swap for the area", {.meminfo = "MemAvailable: 512 kB\nSwapFree: 512 kB\n"}, "0:7FFFF", 0},
-      {"an area the free pages can't back", {.meminfo = "MemAvailable: 1024 kB\n"}, "0:FFFFF", 1},
+      {"memory and swap for the area and a save", {.meminfo = "MemAvailable: 20480 kB\nSwapFree: 20480 kB\n"},
+       "0:7FFFF", 0},
+      {"no room for a save's block beside the area", {.meminfo = "MemAvailable: 20480 kB\n"}, "0:7FFFF", 1},
       {"an allocation that fails", {.addressSpace = 256 << 20, .meminfo = {}}, "0:3FFFFFFF", 1},
   };
   for (const auto& c : cases) {
@@ -234,8 +239,105 @@ TEST(Cli, AnAreaTheMachineCannotBackIsOutOfMemory) {
   }
 }
 
+// Under a control group's limit the program says so instead of being
+// killed: the room counts what the group holds and a save's block.
+TEST(Cli, AGroupsLimitLessWhatItHoldsIsOutOfMemory) {
+  const struct { const char* name; std::uint64_t held; std::vector<std::string> args; } cases[] = {
+      {"no room left for the writer's block", 0, {"--area", "0:EFFFFFF", "save", "c.hex", "--format", "hex"}},
+      {"another process of the group holds memory", 100 * kMiB, {"--area", "0:C7FFFFF", "sum", "0:0"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    test::MemoryGroup group(256 * kMiB);
+    if (group.path.empty()) GTEST_SKIP() << group.why;
+    ASSERT_TRUE(c.held == 0 || group.Hold(c.held));
+    TempDir dir;
+    const auto r = RunCli(c.args, dir.path(), {.group = group.path, .meminfo = {}});
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "kestrum-cli: Out of Memory\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 0) << "a working file stayed";
+  }
+}
+
+// Failures injected into the program's calls to the system: a read of the
+// memory figures falls back, a save whose rights or flush fail fails and
+// keeps the old file; a save flushes its file before the rename and the
+// folder after it.
+TEST(Cli, SystemFaultsEndInOrderWithTheOldFileKept) {
+  if (!fs::exists("/usr/bin/strace")) GTEST_SKIP() << "strace is not installed";
+  const std::string saved = ":10000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF00\r\n:00000001FF\r\n";
+  const struct { const char* name; std::vector<std::string> strace; int status; const char* err; } cases[] = {
+      {"/proc/meminfo unreadable", {"-P", "/proc/meminfo", "-e", "inject=read:error=EIO"}, 0, ""},
+      {"the old file's rights refused", {"-e", "inject=fchmod:error=EPERM"}, 1,
+       "kestrum-cli: Can't create old.hex: Operation not permitted\n"},
+      {"a flush that fails", {"-e", "inject=fsync:error=EIO"}, 1, "kestrum-cli: Can't write old.hex: Input/output error\n"},
+      {"the order of flushes and rename", {"-e", "trace=fsync,rename"}, 0, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    TempDir dir;
+    WriteFile(dir / "old.hex", "old");
+    std::vector<std::string> argv{"/usr/bin/strace", "-f", "-o", (dir / "trace").string()};
+    argv.insert(argv.end(), c.strace.begin(), c.strace.end());
+    argv.insert(argv.end(), {KESTRUM_CLI, "--area", "0:F", "save", "old.hex", "--format", "hex"});
+    const auto r = RunProgram(argv, dir.path());
+    EXPECT_EQ(r.status, c.status);
+    EXPECT_EQ(r.err, c.err);
+    EXPECT_EQ(ReadFile(dir / "old.hex"), c.status == 0 ? saved : "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "a working file stayed";
+    if (c.strace[1] != "trace=fsync,rename") continue;
+    const std::regex order(R"(fsync\(\d+\) += 0\n.*rename\("\./\.old\.hex\.kestrum-[0-9a-f]{6}\.tmp", "old\.hex"\) += 0\n)"
+                           R"(.*fsync\(\d+\) += 0\n)");
+    EXPECT_TRUE(std::regex_search(std::regex_replace(ReadFile(dir / "trace"), std::regex(R"(^\d+ +)", std::regex::multiline), ""), order))
+        << ReadFile(dir / "trace");
+  }
+}
+
+// An interrupted save: the signals a user sends remove the working file,
+// named after its target, and end with 128 + the signal; a kill that can't
+// be caught leaves it with no more rights than the file it replaces.
+TEST(Cli, InterruptedSavesRemoveTheirWorkingFile) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGKILL}) {
+    SCOPED_TRACE(strsignal(signal));
+    TempDir dir;
+    WriteFile(dir / "s.hex", "old");
+    fs::permissions(dir / "s.hex", fs::perms::owner_read | fs::perms::owner_write);
+    const pid_t pid = fork();
+    if (pid == 0) {
+      if (chdir(dir.path().c_str()) != 0 || !freopen("/dev/null", "w", stderr)) _exit(126);
+      execl(KESTRUM_CLI, KESTRUM_CLI, "--area", "0:7FFFFFF", "save", "s.hex", "--format", "hex", nullptr);
+      _exit(127);
+    }
+    fs::path working;
+    for (int wait = 0; wait < 20000 && working.empty(); ++wait, usleep(500))
+      for (const auto& e : fs::directory_iterator(dir.path()))
+        if (std::regex_match(e.path().filename().string(), std::regex(R"(\.s\.hex\.kestrum-[0-9a-f]{6}\.tmp)")))
+          working = e.path();
+    kill(pid, signal);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ASSERT_FALSE(working.empty()) << "no working file named after s.hex appeared";
+    EXPECT_EQ(signal == SIGKILL ? WIFSIGNALED(status) : WIFEXITED(status) && WEXITSTATUS(status) == 128 + signal, true)
+        << status;
+    EXPECT_EQ(ReadFile(dir / "s.hex"), "old");
+    EXPECT_EQ(fs::exists(working), signal == SIGKILL);
+    if (signal == SIGKILL) {
+      EXPECT_EQ(fs::status(working).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    }
+  }
+}
+
+// The user nobody runs a copy of the program when the build lies in a
+// folder that only its owner enters (a checkout in /root).
+TEST(Cli, RunsUnprivilegedFromAFolderOnlyItsOwnerEnters) {
+  TempDir dir;
+  fs::copy_file(KESTRUM_CLI, dir / "kestrum-cli");
+  const auto r = RunProgram({(dir / "kestrum-cli").string(), "--version"}, {}, {.unprivileged = true, .meminfo = {}});
+  EXPECT_EQ(r.status, 0);
+}
+
 TEST(Cli, TheLargestAreaWhereMemoryAllows) {
-  const auto available = AvailableMemory();
+  const auto available = sys::AvailableMemory();
   if (!available || *available < (std::uint64_t{3} << 30)) GTEST_SKIP() << "less than 3 GiB of memory free";
   const auto r = RunCli({"--area", "0:7FFFFFFE", "fill", "7FFFFFF0:7FFFFFFD", "5A", "sum", "7FFFFFF0:7FFFFFFE"});
   ASSERT_EQ(r.status, 0) << r.err;

@@ -13,6 +13,8 @@
 // HEX file with an offset, dump and step, Block Store with the wrap, Buffer
 // SUM, save a pair over files that exist, clear, drop the saved file back on
 // the window, sum again, exit and start again.
+#include <sys/stat.h>
+
 #include <QtTest>
 #include <QtWidgets>
 
@@ -38,15 +40,10 @@ namespace {
   return true;
 }();
 
-// Points QSettings at a fresh temporary folder for the life of the object.
+// The window's store in a fresh temporary folder for the life of the object.
 struct TempSettings {
-  TempSettings() {
-    QSettings::setDefaultFormat(QSettings::IniFormat);
-    for (auto format : {QSettings::NativeFormat, QSettings::IniFormat})
-      QSettings::setPath(format, QSettings::UserScope, dir.path());
-  }
   QTemporaryDir dir;
-  forms::QtSettingsStore store;
+  forms::QtSettingsStore store{dir.path()};
 };
 
 // The child of parent with the given object name, failing the test if none.
@@ -169,11 +166,12 @@ struct Opened {
   ScriptedPlatform platform;
   forms::AppContext ctx{m, platform, settings.store};
   std::unique_ptr<QWidget> form;
-  // With store, the bytes of the settings file, or a folder in its place when empty.
+  // With store, the bytes of the settings file, or a folder in its place when empty, a pipe when "|".
   explicit Opened(const Form& f, const QByteArray* store = nullptr) {
     const QString file = settings.dir.path() + "/Morvi/Morvi.conf";
     if (store) QDir().mkpath(store->isEmpty() ? file : settings.dir.path() + "/Morvi");
-    if (store && !store->isEmpty()) WriteFile(file.toStdString(), store->toStdString());
+    if (store && *store == "|" && mkfifo(qPrintable(file), 0600) != 0) qFatal("no pipe");
+    if (store && !store->isEmpty() && *store != "|") WriteFile(file.toStdString(), store->toStdString());
     form.reset(f.open(ctx));
     if (!ShowActive(form.get())) qWarning("%s never became active", f.name);
   }
@@ -330,8 +328,8 @@ class TestWindows : public QObject {
   }
 
   // A store of garbage opens every window as an empty store does, with the defaults: a value that is no text
-  // counts as missing, a store that can't be read (bytes of no format, a folder where the file should be) as
-  // empty, a folder stored without its drive is not opened.
+  // counts as missing, a store that can't be read (bytes of no format, a folder or a pipe where the file
+  // should be) as empty, a folder stored without its drive is not opened.
   void aStoreOfGarbageOpensEveryWindowWithItsDefaults() {
     QByteArray noise(4096, '\0');
     for (int i = 0; i < noise.size(); ++i) noise[i] = static_cast<char>((i * 7919 + 13) % 251);
@@ -339,7 +337,7 @@ class TestWindows : public QObject {
                             "BufLast=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x10NoSuchType)\nLoadFirst=@Point(5 6)\n"
                             "SaveFirst=@Size(1 1)\nstoredata=@Size(2 2)\n[Format]\nFileType=@Rect(0 0 0 0)\n"
                             "[FilePath]\nSaveDrive=@Point(0 0)\nSaveDir=/tmp\nLoadDir=/tmp\n");
-    for (const QByteArray& store : {noise, noText, QByteArray()})
+    for (const QByteArray& store : {noise, noText, QByteArray(), QByteArray("|")})
       for (const Form& f : kForms)
         QCOMPARE(Opened(f, &store).Shown() + " / " + Opened(f).Shown(), QString(f.defaults) + " / " + f.defaults);
   }

@@ -4,16 +4,18 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <map>
 
 #include "TestSupport.h"
 #include "bufferops/ClearBuffer.h"
 #include "image/Address.h"
 #include "image/HexCodec.h"
 #include "image/KeyFilters.h"
-#include "image/Memory.h"
 #include "image/Module1.h"
 #include "image/PageMemory.h"
 #include "image/Startup.h"
+#include "image/System.h"
 
 namespace kestrum {
 namespace {
@@ -72,24 +74,48 @@ TEST(HexEncode, EveryEncoderWritesTheDigitsAndSumOfEachLength) {
 
 constexpr std::uint64_t kKiB = 1024;
 
-TEST(AvailableMemory, MemoryAndSwapBoundedByTheGroupLimit) {
-  const char* meminfo = "MemTotal: 8000000 kB\nMemFree: 100000 kB\nMemAvailable: 2000000 kB\nSwapCached: 0 kB\n"
-                        "SwapTotal: 1000000 kB\nSwapFree: 500000 kB\n";
-  const struct { const char* name; std::string meminfo, groupLimit; std::optional<std::uint64_t> available; }
-  cases[] = {
-      {"memory and swap", meminfo, "", 2500000 * kKiB},
-      {"no group limit", meminfo, "max\n", 2500000 * kKiB},
-      {"a group limit of the host's size", meminfo, "9223372036854771712\n", 2500000 * kKiB},
-      {"a lower group limit", meminfo, "1073741824\n", 1073741824},
-      {"no swap line", "MemAvailable: 4 kB\n", "", 4 * kKiB},
-      {"a key that only begins like it", "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n", "", 3 * kKiB},
-      {"nothing to tell by", "MemTotal: 8000000 kB\n", "1073741824", std::nullopt},
-      {"a number that can't be read", "MemAvailable: many kB\n", "", std::nullopt},
-      {"no file at all", "", "", std::nullopt},
+// Each row a tree of the system's files ("/" for a folder where a file is
+// read, which fails to read); the group's room counts what it already holds
+// beyond its file cache, under every limit above it.
+TEST(AvailableMemory, MemoryAndSwapWithinTheRoomOfTheGroupsAbove) {
+  constexpr std::uint64_t kMiB = 1024 * kKiB;
+  const std::string meminfo = "MemTotal: 8000000 kB\nMemAvailable: 2000000 kB\nSwapFree: 500000 kB\n";
+  const std::string v2 = "sys/fs/cgroup/", v1 = "sys/fs/cgroup/memory/";
+  using Files = std::map<std::string, std::string>;
+  const struct { const char* name; Files files; std::optional<std::uint64_t> available; } cases[] = {
+      {"memory and swap", {{"proc/meminfo", meminfo}}, 2500000 * kKiB},
+      {"a key that only begins like it", {{"proc/meminfo", "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n"}}, 3 * kKiB},
+      {"nothing to tell by", {{"proc/meminfo", "MemTotal: 8 kB\nMemAvailable: many kB\n"}}, std::nullopt},
+      {"version 2: the limit less what the group holds beyond its file cache",
+       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/app\n"}, {v2 + "app/memory.max", "268435456\n"},
+        {v2 + "app/memory.current", "157286400\n"}, {v2 + "app/memory.stat", "anon 1\nactive_file 20971520\n"
+                                                                               "inactive_file 31457280\n"}},
+       156 * kMiB},
+      {"version 2: a lower limit above the group",
+       {{"proc/self/cgroup", "0::/a/b\n"}, {v2 + "a/memory.max", "104857600\n"}, {v2 + "a/memory.current", "62914560"},
+        {v2 + "a/b/memory.max", "max\n"}, {v2 + "a/b/memory.current", "62914560"}},
+       40 * kMiB},
+      {"version 1: the memory controller's group, which holds more than its limit",
+       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "5:cpu:/c\n4:cpuacct,memory:/x/y\n"},
+        {v1 + "x/y/memory.limit_in_bytes", "1048576\n"}, {v1 + "x/y/memory.usage_in_bytes", "9437184\n"},
+        {v1 + "x/y/memory.stat", "inactive_file 1048576\ntotal_inactive_file 2097152\n"}},
+       0},
+      {"a group the file system doesn't show counts from its root",
+       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/elsewhere\n"}, {v2 + "memory.max", "67108864\n"}},
+       64 * kMiB},
+      {"files that fail to read", {{"proc/meminfo", "/"}, {"proc/self/cgroup", "/"}}, std::nullopt},
+      {"a group file that fails to read", {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/a\n"},
+                                            {v2 + "a/memory.max", "/"}}, 2500000 * kKiB},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    EXPECT_EQ(AvailableFrom(c.meminfo, c.groupLimit), c.available);
+    test::TempDir root;
+    for (const auto& [path, text] : c.files) {
+      std::filesystem::create_directories((root / path).parent_path());
+      if (text == "/") std::filesystem::create_directory(root / path);
+      else test::WriteFile(root / path, text);
+    }
+    EXPECT_EQ(sys::AvailableMemory(root.path().string()), c.available);
   }
 }
 

@@ -66,6 +66,7 @@ struct RunResult {
 
 // How a program is run: unprivileged, or with its address space limited.
 struct RunOptions {
+  std::string group = {};          // a control group's folder the program runs in, when not empty
   bool unprivileged = false;       // as the user nobody when run by the superuser
   std::uint64_t addressSpace = 0;  // bytes; 0 for no limit
   // What the program finds in /proc/meminfo, when not empty: in a mount
@@ -78,6 +79,24 @@ inline constexpr int kNoMeminfo = 123;
 // Runs a program with arguments (no shell) and collects its output.
 RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem::path& workdir = {},
                      const RunOptions& options = {});
+
+// A memory control group of its own under the test's, with a limit, for
+// the superuser where the system lets one be made; removed at the end with
+// the processes that hold memory in it.
+class MemoryGroup {
+ public:
+  explicit MemoryGroup(std::uint64_t limit);
+  ~MemoryGroup();
+  MemoryGroup(const MemoryGroup&) = delete;
+  MemoryGroup& operator=(const MemoryGroup&) = delete;
+  // Starts a process in the group that holds bytes of memory while the group lives.
+  bool Hold(std::uint64_t bytes);
+  std::string path;  // empty when there is none; then why says why
+  std::string why;
+
+ private:
+  std::vector<int> holders_;
+};
 
 // Built with the sanitizers: huge files and address space limits don't mix with them.
 inline constexpr bool kSanitized = KESTRUM_SANITIZED;

@@ -9,9 +9,12 @@
 // tries many more names and lists. The Load button over a file it can't read.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <random>
 #include <regex>
@@ -179,17 +182,70 @@ TEST(Writers, FileFaultsNameTheReasonAndKeepTheOldFile) {
   }
 }
 
-TEST(Writers, ReplacingKeepsLinksAndPermissions) {
-  TempDir dir;
-  test::WriteFile(dir / "real.HEX", "old");
-  const auto perms = fs::perms::owner_all | fs::perms::group_read;  // not what a new file gets
-  fs::permissions(dir / "real.HEX", perms);
-  fs::create_symlink(dir / "real.HEX", dir / "link.HEX");
-  Module1 m = Image(0, 0xFF, 0xFF, 0, 0, 0x10);
-  ScriptedPlatform platform;
-  ASSERT_EQ(SaveHexFile(m, platform, (dir / "link.HEX").string()), SaveOutcome::Done);
-  EXPECT_TRUE(fs::is_symlink(dir / "link.HEX") && fs::status(dir / "real.HEX").permissions() == perms);
-  EXPECT_EQ(ReadFile(dir / "real.HEX"), ":10000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF00\r\n:00000001FF\r\n");
+// What a name shows of its file beside the content: whether it is a link,
+// and the file's names, mode, owner, group and extended attributes (its
+// access list among them).
+std::string CarriedBy(const fs::path& path) {
+  struct stat st{};
+  std::string c = fs::is_symlink(fs::symlink_status(path)) ? "link " : "";
+  if (stat(path.c_str(), &st) != 0) return c;
+  c += std::to_string(st.st_nlink) + " names, mode " + std::to_string(st.st_mode & 07777u) + ", owner " +
+       std::to_string(st.st_uid) + ":" + std::to_string(st.st_gid);
+  std::string names(4096, '\0');
+  names.resize(static_cast<std::size_t>(std::max<ssize_t>(0, listxattr(path.c_str(), names.data(), names.size()))));
+  for (std::size_t at = 0; at < names.size(); at = names.find('\0', at) + 1) {
+    std::string value(4096, '\0');
+    value.resize(static_cast<std::size_t>(std::max<ssize_t>(0, getxattr(path.c_str(), names.c_str() + at, value.data(), value.size()))));
+    c += ", " + std::string(names.c_str() + at) + "=" + value;
+  }
+  return c;
+}
+
+// Saving to "name" replaces the file real.HEX that it is or leads to; every
+// name shows the new content and carries what it carried.
+TEST(Writers, ReplacingKeepsWhatTheOldFileCarried) {
+  const bool root = geteuid() == 0;
+  const struct { const char* name; const char* save; std::function<void(const fs::path&)> setup; } cases[] = {
+      {"a link and the mode", "name", [](const fs::path& dir) {
+         fs::create_symlink("real.HEX", dir / "name");
+         fs::permissions(dir / "real.HEX", fs::perms::owner_all | fs::perms::group_read);
+       }},
+      {"a link that points nowhere yet", "name", [](const fs::path& dir) {
+         fs::remove(dir / "real.HEX");
+         fs::create_symlink("real.HEX", dir / "name");
+       }},
+      {"a second name of the file", "name", [](const fs::path& dir) { fs::create_hard_link(dir / "real.HEX", dir / "name"); }},
+      {"owner and group, where the user may set them", "real.HEX", [root](const fs::path& dir) {
+         if (root && chown((dir / "real.HEX").c_str(), 65534, 65534) != 0) throw std::runtime_error("chown");
+       }},
+      {"an access list and an extended attribute", "real.HEX", [](const fs::path& dir) {
+         const std::string real = (dir / "real.HEX").string();
+         if (setxattr(real.c_str(), "user.kestrum", "kept", 4, 0) != 0) throw std::runtime_error("no user attributes here");
+         if (std::system(("setfacl -m u:nobody:rw,g::- " + real).c_str()) != 0) throw std::runtime_error("setfacl");
+       }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    TempDir dir;
+    test::WriteFile(dir / "real.HEX", "old");
+    try {
+      c.setup(dir.path());
+    } catch (const std::exception& e) {
+      ADD_FAILURE() << "the case could not be set up: " << e.what();
+      continue;
+    }
+    std::map<std::string, std::string> before, after;
+    for (const auto& e : fs::directory_iterator(dir.path())) before[e.path().filename()] = CarriedBy(e.path());
+    Module1 m = Image(0, 0xFF, 0xFF, 0, 0, 0x10);
+    ScriptedPlatform platform;
+    ASSERT_EQ(SaveHexFile(m, platform, (dir / c.save).string()), SaveOutcome::Done);
+    for (const auto& e : fs::directory_iterator(dir.path())) {
+      after[e.path().filename()] = CarriedBy(e.path());
+      EXPECT_EQ(ReadFile(e.path()), ":10000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF00\r\n:00000001FF\r\n") << e.path();
+    }
+    if (!before.count("real.HEX")) before = {{"name", "link " + after["real.HEX"]}, {"real.HEX", after["real.HEX"]}};
+    EXPECT_EQ(after, before);
+  }
 }
 
 TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
