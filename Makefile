@@ -8,7 +8,8 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 # Debian packages the build and the tests need.
 PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
-           libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core
+           libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core \
+           strace acl
 
 # What make run shows without a display: load, dump, sum and save, the
 # files going into the build folder.
