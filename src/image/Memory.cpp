@@ -23,7 +23,8 @@ std::optional<std::uint64_t> Field(std::string_view text, std::string_view key, 
     const std::size_t end = std::min(text.find('\n', at), text.size());
     std::string_view line = text.substr(at, end - at);
     at = end + 1;
-    if (line.substr(0, key.size()) != key || line.size() <= key.size() || line[key.size()] != separator) continue;
+    if (line.substr(0, key.size()) != key || line.size() <= key.size() || line[key.size()] != separator)
+      continue;
     return Number(line.substr(key.size() + 1));
   }
   return std::nullopt;
@@ -38,7 +39,8 @@ std::optional<std::uint64_t> AvailableFrom(std::string_view meminfo, std::option
   return groupRoom ? std::min(bytes, *groupRoom) : bytes;
 }
 
-std::optional<std::uint64_t> GroupRoom(std::string_view limit, std::string_view usage, std::string_view stat) {
+std::optional<std::uint64_t> GroupRoom(std::string_view limit, std::string_view usage,
+                                       std::string_view stat) {
   const auto most = Number(limit);
   if (!most) return std::nullopt;
   // A group version 1 names its own lines "total_" when they count its children too.

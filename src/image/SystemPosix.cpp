@@ -42,7 +42,7 @@ std::string ReadText(const std::string& path) {
 }
 
 bool IsFolder(const std::string& path) {
-  struct stat st{};
+  struct stat st {};
   return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
@@ -54,7 +54,8 @@ void WalkGroup(const std::string& base, std::string group, const char* limit, co
   while (!group.empty() && group.back() == '/') group.pop_back();
   std::string dir = IsFolder(base + group) ? base + group : base;
   for (;;) {
-    const auto own = GroupRoom(ReadText(dir + "/" + limit), ReadText(dir + "/" + usage), ReadText(dir + "/memory.stat"));
+    const auto own =
+        GroupRoom(ReadText(dir + "/" + limit), ReadText(dir + "/" + usage), ReadText(dir + "/memory.stat"));
     if (own) room = room ? std::min(*room, *own) : own;
     if (dir.size() <= base.size()) break;
     dir.erase(dir.rfind('/'));
@@ -89,13 +90,16 @@ std::optional<std::uint64_t> AvailableMemory(const std::string& root) {
   }
   std::optional<std::uint64_t> room;
   if (hasV2) WalkGroup(root + "/sys/fs/cgroup", v2, "memory.max", "memory.current", room);
-  if (hasV1) WalkGroup(root + "/sys/fs/cgroup/memory", v1, "memory.limit_in_bytes", "memory.usage_in_bytes", room);
+  if (hasV1)
+    WalkGroup(root + "/sys/fs/cgroup/memory", v1, "memory.limit_in_bytes", "memory.usage_in_bytes", room);
   return AvailableFrom(ReadText(root + "/proc/meminfo"), room);
 }
 
 namespace {
 
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
+bool StartsWith(std::string_view text, std::string_view start) {
+  return text.substr(0, start.size()) == start;
+}
 
 // Copies the extended attributes of like, its access lists among them, to
 // fd. Labels that only the system may set are left to it; anything else
@@ -131,7 +135,7 @@ int CopyAttributes(const std::string& like, int fd) {
 }  // namespace
 
 FileHandle CreateExclusive(const std::string& path, const std::string& like, std::error_code& ec) {
-  struct stat old{};
+  struct stat old {};
   const bool replaces = !like.empty();
   const bool known = replaces && stat(like.c_str(), &old) == 0;
   // A new file gets what the user's mask allows; a replacing one no more
@@ -144,7 +148,8 @@ FileHandle CreateExclusive(const std::string& path, const std::string& like, std
   if (!known) return fd;
   mode_t mode = old.st_mode & 0777;
   // The group's rights are for the old file's group, never for another one.
-  if (fchown(fd, old.st_uid, old.st_gid) != 0 && fchown(fd, static_cast<uid_t>(-1), old.st_gid) != 0) mode &= ~070;
+  if (fchown(fd, old.st_uid, old.st_gid) != 0 && fchown(fd, static_cast<uid_t>(-1), old.st_gid) != 0)
+    mode &= ~070;
   int error = fchmod(fd, mode) == 0 ? CopyAttributes(like, fd) : errno;
   if (error == 0) return fd;
   close(fd);
@@ -203,7 +208,7 @@ bool FlushFolder(const std::string& folder, std::error_code& ec) {
 }
 
 std::uint64_t LinkCount(const std::string& path) {
-  struct stat st{};
+  struct stat st {};
   return stat(path.c_str(), &st) == 0 ? st.st_nlink : 1;
 }
 
@@ -215,7 +220,7 @@ bool CopyContent(const std::string& source, const std::string& target, bool& tou
     return false;
   }
   const int out = open(target.c_str(), O_WRONLY | O_CLOEXEC);
-  struct stat st{};
+  struct stat st {};
   int error = out < 0 || fstat(in, &st) != 0 ? errno : 0;
 #ifdef __linux__
   if (error == 0 && st.st_size > 0 && fallocate(out, FALLOC_FL_KEEP_SIZE, 0, st.st_size) != 0 &&
@@ -251,7 +256,7 @@ void RemoveListedAndEnd(int signal) {
 }  // namespace
 
 void RemoveWorkingFilesOnInterrupt() {
-  struct sigaction action{};
+  struct sigaction action {};
   action.sa_handler = RemoveListedAndEnd;
   sigemptyset(&action.sa_mask);
   for (int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&action.sa_mask, signal);

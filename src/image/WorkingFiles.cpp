@@ -10,7 +10,8 @@ namespace {
 
 constexpr int kListed = 8;
 std::atomic<const char*> listed[kListed];
-static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler can only read lock-free atomics");
+static_assert(std::atomic<const char*>::is_always_lock_free,
+              "a signal handler can only read lock-free atomics");
 
 }  // namespace
 

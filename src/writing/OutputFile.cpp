@@ -109,8 +109,8 @@ OutputFile OutputFile::Create(const std::string& path) {
   const fs::file_status status = fs::status(out.target_, ec);
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     out.file_ = sys::OpenForWriting(out.target_, ec);
+    out.working_ = out.target_;
     if (out.file_ == sys::kNoFile) out.Fail("create", ec.message());
-    else out.working_ = out.target_;
     return out;
   }
   const bool replaces = fs::is_regular_file(status);

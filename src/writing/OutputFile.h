@@ -30,7 +30,8 @@ class OutputFile {
   // Starts a new file for path. A regular file (or nothing) at path is
   // replaced on Commit; anything else there (a device, a pipe) is written
   // in place. A symbolic link is followed, also one that points nowhere
-  // yet: the file is made where it points, and the link stays. ok() is false, with failure() telling why, when it can't.
+  // yet: the file is made where it points, and the link stays. ok() is false, with failure() telling why,
+  // when it can't.
   static OutputFile Create(const std::string& path);
 
   // Each gives false, with failure() set, when the file can't take it; a
