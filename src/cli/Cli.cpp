@@ -17,7 +17,7 @@ std::string Step::Option(const std::string& name, const std::string& fallback) c
 const std::vector<StepSpec>& AllSteps() {
   static const std::vector<StepSpec> steps = [] {
     std::vector<StepSpec> all;
-    for (auto part : {LoadSteps, BufferSteps, CheckSteps, SaveSteps})
+    for (auto part : {LoadSteps, InfoSteps, BufferSteps, CheckSteps, SaveSteps})
       for (auto& spec : part()) all.push_back(std::move(spec));
     return all;
   }();
@@ -27,12 +27,20 @@ const std::vector<StepSpec>& AllSteps() {
 std::string StepUsage(const StepSpec& spec) {
   std::string usage = spec.name;
   for (const auto& a : spec.args) usage += " " + a;
+  if (spec.moreArgs) usage += " [" + spec.args.back() + " ...]";
   if (!spec.optionalArg.empty()) usage += " [" + spec.optionalArg + "]";
   for (const auto& o : spec.options) {
     const std::string option = o.name + " " + o.valueName;
     usage += o.required ? " " + option : " [" + option + "]";
   }
   return usage;
+}
+
+LoadOptions ReadingOptions(const CliContext& ctx, ProgressLine& progress) {
+  LoadOptions options;
+  options.mode = ctx.mode;
+  options.progress = [&progress](std::uint64_t done, std::uint64_t total) { progress(done, total); };
+  return options;
 }
 
 bool ParseHex(const std::string& text, int maxDigits, Address& value) {

@@ -8,6 +8,8 @@
 #include "bufferops/CheckValue.h"
 #include "image/Module1.h"
 #include "image/Platform.h"
+#include "cli/Progress.h"
+#include "reading/LoadObjectFile.h"
 
 namespace kestrum::cli {
 
@@ -30,6 +32,9 @@ struct CliContext {
   std::ostream& out;
   std::ostream& err;
   bool verbose = false;
+  // Files are read as toolchains write them unless --strict asks for the window's rules.
+  ReadingMode mode = ReadingMode::Tolerant;
+  bool progress = false;  // a progress line for long work: standard error is a terminal
 };
 
 struct Step;
@@ -49,6 +54,7 @@ struct StepSpec {
   std::string summary;
   StepRunner run = nullptr;
   std::string details = {};  // more lines for STEP --help
+  bool moreArgs = false;  // the last required argument may be repeated
 };
 
 struct Step {
@@ -66,10 +72,18 @@ std::vector<StepSpec> BufferSteps();
 std::vector<StepSpec> LoadSteps();
 std::vector<StepSpec> SaveSteps();
 std::vector<StepSpec> CheckSteps();
+std::vector<StepSpec> InfoSteps();
 const std::vector<StepSpec>& AllSteps();
 
 // The usage line of a step, as --help shows it.
 std::string StepUsage(const StepSpec& spec);
+
+// How the steps read files: the call's reading mode, and a progress line
+// for what on a terminal.
+LoadOptions ReadingOptions(const CliContext& ctx, ProgressLine& progress);
+
+// How a file's format was decided, as the steps tell it.
+const char* BasisText(FormatBasis basis);
 
 // Reads FIRST:LAST as the window reads two address fields. False, with the
 // reason, when the text is no range of hexadecimal addresses.

@@ -1,11 +1,15 @@
 // Steps that read object files into the image. The load fills the fields of
 // the File Load dialog and presses Load, so the range and offset are judged
-// with the dialog's words.
+// with the dialog's words; it reads in the call's reading mode, and warns of
+// what a pipeline would otherwise miss: a file that stored nothing, and under
+// --strict a lone LF.
 #include <filesystem>
 #include <ostream>
 
 #include "cli/Cli.h"
 #include "image/Settings.h"
+#include "reading/ByteSource.h"
+#include "reading/LineReader.h"
 #include "reading/LoadDialog.h"
 
 namespace kestrum::cli {
@@ -19,6 +23,25 @@ bool OffsetTyped(const std::string& text) {
   for (char c : text)
     if (HexDigitValue(c) < 0 && c != '+' && c != '-') return false;
   return true;
+}
+
+bool HoldsLoneLf(const std::string& path) {
+  FileSource source;
+  return source.Open(path) && CountLineEnds(source).lf > 0;
+}
+
+std::string Count(std::uint64_t n, const char* what) {
+  return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
+// What a load that stored nothing read, for its warning.
+std::string WhatWasRead(const LoadReport& report, const std::string& offset) {
+  if (report.format == LoadFormat::BIN)
+    return "read as BIN, " + Count(report.length, "byte") + ", all outside the range at offset " + offset;
+  std::string what = std::string("read as ") + FormatName(report.format) + ", " + Count(report.lines, "line") +
+                     " with " + Count(report.dataRecords, "data record");
+  if (report.dataRecords > 0) what += ", no byte of them inside the range at offset " + offset;
+  return what;
 }
 
 int RunLoad(CliContext& ctx, const Step& step) {
@@ -51,12 +74,24 @@ int RunLoad(CliContext& ctx, const Step& step) {
   // to a store that is dropped.
   MemorySettings scratch;
   LoadReport report;
-  Command1_Click(f, ctx.m, ctx.platform, scratch, &report);
+  {
+    ProgressLine progress(ctx.err, "load " + file, ctx.progress);
+    Command1_Click(f, ctx.m, ctx.platform, scratch, &report, ReadingOptions(ctx, progress));
+  }
+  const std::string range = f.Text4 + ':' + f.Text3;
+  if (report.outcome != LoadReport::Outcome::Refused && report.outcome != LoadReport::Outcome::FileFailure &&
+      report.format != LoadFormat::BIN && ctx.mode == ReadingMode::Window && HoldsLoneLf(ctx.m.LoadFileName)) {
+    ctx.err << "kestrum-cli: warning: " << file << ": a lone LF ends no line under --strict\n";
+  }
   switch (report.outcome) {
     case LoadReport::Outcome::Loaded:
       if (ctx.verbose) {
-        ctx.err << "load: " << file << " as " << FormatName(report.format) << " into " << f.Text4 << ':'
-                << f.Text3 << '\n';
+        ctx.err << "load: " << file << " as " << FormatName(report.format) << " by " << BasisText(report.basis)
+                << " into " << range << ", " << report.stored << " bytes stored\n";
+      }
+      if (report.length > 0 && report.stored == 0) {
+        ctx.err << "kestrum-cli: warning: " << file << " stored no byte in " << range << ": "
+                << WhatWasRead(report, step.Option("--offset", "0")) << '\n';
       }
       return kOk;
     case LoadReport::Outcome::Refused:
@@ -71,6 +106,18 @@ int RunLoad(CliContext& ctx, const Step& step) {
 }
 
 }  // namespace
+
+const char* BasisText(FormatBasis basis) {
+  switch (basis) {
+    case FormatBasis::Extension:
+      return "extension";
+    case FormatBasis::Content:
+      break;
+    case FormatBasis::ContentOverExtension:
+      return "content, not by its extension";
+  }
+  return "content";
+}
 
 std::vector<StepSpec> LoadSteps() {
   return {

@@ -20,7 +20,7 @@ const StepSpec* FindStep(const std::string& name) {
 }
 
 void PrintHelp(std::ostream& out) {
-  out << "Usage: kestrum-cli [--area FIRST:LAST] [--verbose] STEP [STEP ...]\n"
+  out << "Usage: kestrum-cli [--area FIRST:LAST] [--strict] [--verbose] STEP [STEP ...]\n"
          "\n"
          "One memory image, the area (default 00000000:0007FFFF) filled with FF;\n"
          "the steps run on it from left to right. Addresses and bytes are\n"
@@ -33,9 +33,18 @@ void PrintHelp(std::ostream& out) {
   out << "\n"
          "Options:\n"
          "  --area FIRST:LAST  the area of the image\n"
+         "  --strict           read files by the window's rules: only CR or CR LF ends\n"
+         "                     a line, and every line must be a record\n"
          "  --verbose          say what each step did\n"
          "  --help             this text; STEP --help for one step\n"
          "  --version          the version\n"
+         "\n"
+         "Reading: by default a line of a HEX or S file ends at CR LF, CR or LF,\n"
+         "blank lines and trailing blanks are passed over, a Ctrl-Z at the end is\n"
+         "ignored, and content that plainly begins with the other text format's\n"
+         "start mark wins over the extension. The window keeps the strict rules of\n"
+         "the files it was made for; --strict gives its results byte for byte.\n"
+         "A load that stores no byte of a non-empty file is warned about.\n"
          "\n"
          "Exit status: 0 done, 1 a file, record or memory failure, 2 a usage error\n"
          "or a value the matching dialog would refuse.\n";
@@ -54,6 +63,7 @@ int Usage(const std::string& message) {
 struct Call {
   std::string area = "0:7FFFF";
   bool verbose = false;
+  bool strict = false;
   std::vector<Step> steps;
 };
 
@@ -73,8 +83,8 @@ int Parse(const std::vector<std::string>& words, Call& call) {
       std::cout << "kestrum-cli " << KESTRUM_VERSION << "\n";
       return kOk;
     }
-    if (w == "--verbose") {
-      call.verbose = true;
+    if (w == "--verbose" || w == "--strict") {
+      (w == "--verbose" ? call.verbose : call.strict) = true;
       ++i;
       continue;
     }
@@ -100,6 +110,8 @@ int Parse(const std::vector<std::string>& words, Call& call) {
       if (i >= words.size()) return Usage(spec->name + " needs " + name);
       step.args.push_back(words[i++]);
     }
+    while (spec->moreArgs && i < words.size() && !IsOption(words[i]) && !FindStep(words[i]))
+      step.args.push_back(words[i++]);
     if (!spec->optionalArg.empty() && i < words.size() && !IsOption(words[i]) && !FindStep(words[i]))
       step.args.push_back(words[i++]);
     while (i < words.size() && IsOption(words[i])) {
@@ -133,7 +145,8 @@ int main(int argc, char** argv) {
   Call call;
   if (int status = Parse(words, call); status >= 0) return status;
 
-  CliContext ctx{Module1{}, CapturePlatform{}, std::cout, std::cerr, call.verbose};
+  CliContext ctx{Module1{}, CapturePlatform{}, std::cout, std::cerr, call.verbose,
+                 call.strict ? ReadingMode::Window : ReadingMode::Tolerant, StderrIsTerminal()};
   Address first = 0, last = 0;
   std::string why;
   if (!ParseRange(call.area, first, last, why)) return Usage("--area: " + why);

@@ -78,6 +78,29 @@ bool FileSource::Rewind() {
   return true;
 }
 
+bool ProgressSource::Follow(bool ok) {
+  if (inner_.Failed()) Fail(inner_.Failure());
+  return ok && !Failed();
+}
+
+std::size_t ProgressSource::Read(std::uint8_t* dst, std::size_t count) {
+  const std::size_t n = inner_.Read(dst, count);
+  Follow(true);
+  done_ += n;
+  report_(done_, total_);
+  return n;
+}
+
+bool ProgressSource::Skip(std::uint64_t count) {
+  done_ += count;
+  return Follow(inner_.Skip(count));
+}
+
+bool ProgressSource::Rewind() {
+  done_ = 0;
+  return Follow(inner_.Rewind());
+}
+
 bool FileLength(const std::string& path, std::uint64_t& length, std::string& reason) {
   namespace fs = std::filesystem;
   // The system would end the name at the NUL and read another file.

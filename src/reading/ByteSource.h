@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -64,6 +65,27 @@ class FileSource : public ByteSource {
     void operator()(std::FILE* f) const { std::fclose(f); }
   };
   std::unique_ptr<std::FILE, Close> file_;
+};
+
+// Passes reads through to another source and tells, after each, how many
+// bytes have come so far of the total.
+class ProgressSource : public ByteSource {
+ public:
+  using Report = std::function<void(std::uint64_t done, std::uint64_t total)>;
+  ProgressSource(ByteSource& inner, std::uint64_t total, Report report)
+      : inner_(inner), total_(total), report_(std::move(report)) {}
+  std::size_t Read(std::uint8_t* dst, std::size_t count) override;
+  bool Skip(std::uint64_t count) override;
+  bool Rewind() override;
+
+ private:
+  // Takes the inner source's failure over, and gives ok.
+  bool Follow(bool ok);
+
+  ByteSource& inner_;
+  std::uint64_t total_;
+  std::uint64_t done_ = 0;
+  Report report_;
 };
 
 // The length of a file in bytes, or false with the system's words: also for

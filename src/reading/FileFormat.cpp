@@ -51,9 +51,10 @@ bool FormatByExtension(std::string_view extension, LoadFormat& format) {
   return false;
 }
 
-LoadFormat DecideFormat(std::string_view extension, std::string_view head) {
-  LoadFormat format = LoadFormat::BIN;
-  if (FormatByExtension(extension, format)) return format;
+namespace {
+
+// The format that a first byte and a line end close behind it give.
+LoadFormat FormatByContent(std::string_view head) {
   if (head.empty()) return LoadFormat::BIN;
   for (const ContentRule& rule : kContentRules) {
     if (head.front() != rule.firstByte) continue;
@@ -61,6 +62,27 @@ LoadFormat DecideFormat(std::string_view extension, std::string_view head) {
     return probe.find_first_of("\r\n") != std::string_view::npos ? rule.format : LoadFormat::BIN;
   }
   return LoadFormat::BIN;
+}
+
+// A record start that no file of the other text format has in front: a
+// colon, or an S and a digit.
+bool PlainlyStarts(std::string_view head, LoadFormat format) {
+  if (format == LoadFormat::HEX) return !head.empty() && head[0] == ':';
+  return head.size() >= 2 && head[0] == 'S' && head[1] >= '0' && head[1] <= '9';
+}
+
+}  // namespace
+
+FormatDecision DecideFormat(std::string_view extension, std::string_view head, ReadingMode mode) {
+  if (mode == ReadingMode::Tolerant) head.remove_prefix(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
+  FormatDecision decision;
+  if (FormatByExtension(extension, decision.format)) {
+    if (mode == ReadingMode::Window || decision.format == LoadFormat::BIN) return decision;
+    const LoadFormat other = decision.format == LoadFormat::HEX ? LoadFormat::S : LoadFormat::HEX;
+    if (PlainlyStarts(head, other)) decision = {other, FormatBasis::ContentOverExtension};
+    return decision;
+  }
+  return {FormatByContent(head), FormatBasis::Content};
 }
 
 }  // namespace kestrum

@@ -19,7 +19,7 @@ int ChecksumOf(int sum) { return (256 - (sum & 0xFF)) & 0xFF; }
 
 }  // namespace
 
-RecordStatus HexReader::ReadLine(Module1& m, const Line& line, Address LoadFirst, Address LoadLast) {
+RecordStatus HexReader::ReadLine(RecordTarget& target, const Line& line, Address LoadFirst, Address LoadLast) {
   const std::string_view text = line.text;
   const int count = HexPairAt(text, kCountColumn);
   if (count < 0 || line.length != kFrameLength + 2 * static_cast<std::uint64_t>(count) || !line.Whole())
@@ -32,7 +32,7 @@ RecordStatus HexReader::ReadLine(Module1& m, const Line& line, Address LoadFirst
   if (t0 != '0') return RecordStatus::Ok;
   switch (t1) {
     case '0':
-      return DataRecord(m, text, count, LoadFirst, LoadLast, checksum);
+      return DataRecord(target, text, count, LoadFirst, LoadLast, checksum);
     case '2':
       return BaseRecord(text, kExtendedSegment, 16, checksum);
     case '4':
@@ -42,15 +42,16 @@ RecordStatus HexReader::ReadLine(Module1& m, const Line& line, Address LoadFirst
   }
 }
 
-RecordStatus HexReader::DataRecord(Module1& m, std::string_view text, int count, Address LoadFirst,
+RecordStatus HexReader::DataRecord(RecordTarget& target, std::string_view text, int count, Address LoadFirst,
                                    Address LoadLast, int checksum) {
   const int high = HexPairAt(text, kAddressColumn), low = HexPairAt(text, kAddressColumn + 2);
   if ((high | low) < 0) return RecordStatus::FormatError;
-  const Address record = high * 256 + low + base_ + m.LoadOffset;
+  ++target.dataRecords;
+  const Address record = high * 256 + low + base_ + target.m.LoadOffset;
   const RecordClip clip = ClipRecord(record, count, LoadFirst, LoadLast);
   if (clip.passedOver) return RecordStatus::Ok;
 
-  const int dataSum = StoreData(m, text.data() + kDataColumn - 1, static_cast<std::size_t>(count), record, clip);
+  const int dataSum = StoreData(target, text.data() + kDataColumn - 1, static_cast<std::size_t>(count), record, clip);
   if (dataSum < 0) return RecordStatus::FormatError;
   const int sum = count + high + low + kData + dataSum;
   return ChecksumOf(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;

@@ -13,14 +13,14 @@ class HexReader {
   // LoadFirst..LoadLast at its address + the base + LoadOffset, and takes
   // a new base from an extended address record. A field that is not made
   // of hexadecimal digits is a "Format Error", like a line of wrong length.
-  RecordStatus ReadLine(Module1& m, const Line& line, Address LoadFirst, Address LoadLast);
+  RecordStatus ReadLine(RecordTarget& target, const Line& line, Address LoadFirst, Address LoadLast);
 
   // What the last extended segment ("02") or linear ("04") record gave;
   // either kind replaces the other.
   Address base() const { return base_; }
 
  private:
-  RecordStatus DataRecord(Module1& m, std::string_view text, int count, Address LoadFirst,
+  RecordStatus DataRecord(RecordTarget& target, std::string_view text, int count, Address LoadFirst,
                           Address LoadLast, int checksum);
   RecordStatus BaseRecord(std::string_view text, int type, Address scale, int checksum);
 

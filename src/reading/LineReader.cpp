@@ -8,10 +8,22 @@ namespace kestrum {
 namespace {
 constexpr char kCr = '\r';
 constexpr char kLf = '\n';
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
+// The blanks and tabs that end text.
+std::size_t TrailingBlanks(std::string_view text) {
+  std::size_t n = 0;
+  while (n < text.size() && IsBlank(text[text.size() - 1 - n])) ++n;
+  return n;
+}
+
+// Old systems fill the rest of a file's last sector with Ctrl-Z.
+bool OnlyCtrlZ(std::string_view text) { return text.find_first_not_of("\x1A \t") == std::string_view::npos; }
 }  // namespace
 
-LineReader::LineReader(ByteSource& source, std::size_t blockSize)
-    : source_(source), block_(std::max<std::size_t>(blockSize, 1)) {}
+LineReader::LineReader(ByteSource& source, std::size_t blockSize, ReadingMode mode)
+    : source_(source), block_(std::max<std::size_t>(blockSize, 1)), mode_(mode) {}
 
 bool LineReader::Fill() {
   if (atEnd_) return false;
@@ -34,22 +46,66 @@ bool LineReader::SkipPendingLf() {
   return true;
 }
 
+std::size_t LineReader::FindEnd(std::size_t from) const {
+  const char* base = block_.data();
+  if (mode_ == ReadingMode::Window) {
+    const auto* cr = static_cast<const char*>(std::memchr(base + from, kCr, end_ - from));
+    return cr ? static_cast<std::size_t>(cr - base) : kNone;
+  }
+  // Whichever of CR and LF comes first, looked for in growing windows: a
+  // file without one of them is not searched to the end of the block for
+  // every line.
+  for (std::size_t window = 128; from < end_; window *= 2) {
+    const std::size_t stop = end_ - from > window ? from + window : end_;
+    const auto* lf = static_cast<const char*>(std::memchr(base + from, kLf, stop - from));
+    const std::size_t lfAt = lf ? static_cast<std::size_t>(lf - base) : stop;
+    const auto* cr = static_cast<const char*>(std::memchr(base + from, kCr, lfAt - from));
+    if (cr) return static_cast<std::size_t>(cr - base);
+    if (lf) return lfAt;
+    from = stop;
+  }
+  return kNone;
+}
+
+void LineReader::PassEnd(std::size_t at) {
+  begin_ = at + 1;
+  if (block_[at] != kCr) return;
+  if (begin_ < end_) {
+    if (block_[begin_] == kLf) ++begin_;
+  } else {
+    pendingLf_ = true;
+  }
+}
+
 bool LineReader::Next(Line& line) {
-  if (!SkipPendingLf()) return false;
-  std::size_t scanned = begin_;  // [begin_, scanned) holds no CR
   for (;;) {
-    const char* from = block_.data() + scanned;
-    const auto* cr = static_cast<const char*>(std::memchr(from, kCr, end_ - scanned));
-    if (cr) {
-      const std::size_t at = static_cast<std::size_t>(cr - block_.data());
+    bool atEof = false;
+    if (!NextCut(line, atEof)) return false;
+    if (mode_ == ReadingMode::Window || Tidy(line, atEof)) return true;
+  }
+}
+
+bool LineReader::Tidy(Line& line, bool atEof) const {
+  if (line.Whole()) {
+    line.text.remove_suffix(TrailingBlanks(line.text));
+    line.length = line.text.size();
+  } else {
+    line.length -= longTrailing_;
+    if (line.text.size() > line.length) line.text = line.text.substr(0, line.length);
+  }
+  if (line.length == 0) return false;
+  return !(atEof && (line.Whole() ? OnlyCtrlZ(line.text) : longCtrlZ_));
+}
+
+bool LineReader::NextCut(Line& line, bool& atEof) {
+  if (!SkipPendingLf()) return false;
+  std::size_t scanned = begin_;  // [begin_, scanned) holds no line end
+  for (;;) {
+    const std::size_t at = FindEnd(scanned);
+    if (at != kNone) {
       line.text = std::string_view(block_.data() + begin_, at - begin_);
       line.length = line.text.size();
-      begin_ = at + 1;
-      if (begin_ < end_) {
-        if (block_[begin_] == kLf) ++begin_;
-      } else {
-        pendingLf_ = true;
-      }
+      PassEnd(at);
       ++number_;
       return true;
     }
@@ -59,6 +115,7 @@ bool LineReader::Next(Line& line) {
       line.text = std::string_view(block_.data() + begin_, end_ - begin_);
       line.length = line.text.size();
       begin_ = end_;
+      atEof = true;
       ++number_;
       return true;
     }
@@ -69,7 +126,7 @@ bool LineReader::Next(Line& line) {
       begin_ = 0;
     }
     if (end_ == block_.size()) {
-      ReadLongLine(line);
+      ReadLongLine(line, atEof);
       return !source_.Failed();
     }
     Fill();
@@ -77,30 +134,55 @@ bool LineReader::Next(Line& line) {
   }
 }
 
-void LineReader::ReadLongLine(Line& line) {
+void LineReader::ReadLongLine(Line& line, bool& atEof) {
   head_.assign(block_.data(), std::min(end_, kLongLineHead));
   std::uint64_t length = end_;
+  // Trailing blanks are counted over the whole line; only tolerant mode drops them.
+  const auto countTrailing = [&](std::size_t n) {
+    const std::string_view piece(block_.data(), n);
+    const std::size_t blanks = TrailingBlanks(piece);
+    longTrailing_ = blanks == n ? longTrailing_ + blanks : blanks;
+    longCtrlZ_ = longCtrlZ_ && OnlyCtrlZ(piece);
+  };
+  longTrailing_ = 0;
+  longCtrlZ_ = true;
+  countTrailing(end_);
   begin_ = end_ = 0;
   for (;;) {
-    if (!Fill()) break;
-    const auto* cr = static_cast<const char*>(std::memchr(block_.data(), kCr, end_));
-    if (cr) {
-      const std::size_t at = static_cast<std::size_t>(cr - block_.data());
+    if (!Fill()) {
+      atEof = true;
+      break;
+    }
+    const std::size_t at = FindEnd(0);
+    if (at != kNone) {
       length += at;
-      begin_ = at + 1;
-      if (begin_ < end_) {
-        if (block_[begin_] == kLf) ++begin_;
-      } else {
-        pendingLf_ = true;
-      }
+      countTrailing(at);
+      PassEnd(at);
       break;
     }
     length += end_;
+    countTrailing(end_);
     end_ = 0;
   }
   line.text = head_;
   line.length = length;
   ++number_;
+}
+
+LineEndCount CountLineEnds(ByteSource& source) {
+  LineEndCount count;
+  std::vector<std::uint8_t> block(LineReader::kBlockSize);
+  bool afterCr = false;
+  for (std::size_t got; (got = source.Read(block.data(), block.size())) > 0;) {
+    for (std::size_t i = 0; i < got; ++i) {
+      const char c = static_cast<char>(block[i]);
+      if (c == kLf) afterCr ? ++count.crlf : ++count.lf;
+      else if (afterCr) ++count.cr;
+      afterCr = c == kCr;
+    }
+  }
+  if (afterCr) ++count.cr;
+  return count;
 }
 
 }  // namespace kestrum

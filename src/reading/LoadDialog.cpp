@@ -51,7 +51,8 @@ bool JudgeOffsetText(const std::string& text, std::string& digits, bool& negativ
   return true;
 }
 
-bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore& store, LoadReport* report) {
+bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore& store, LoadReport* report,
+                    const LoadOptions& options) {
   if (f.Text1.empty()) return Refuse(platform, report, "Select File Name!");
   if (f.Text4.empty()) return Refuse(platform, report, "First Address Error!");
   if (f.Text3.empty()) return Refuse(platform, report, "Last Address Error!");
@@ -78,7 +79,7 @@ bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore
 
   platform.SetMousePointer(vbHourglass);
   f.Command1Enabled = f.Command2Enabled = false;
-  LoadReport outcome = LoadObjectFile(m, platform, first, last, f.Text1);
+  LoadReport outcome = LoadObjectFile(m, platform, first, last, f.Text1, options);
   platform.SetMousePointer(vbDefault);
   f.Command1Enabled = f.Command2Enabled = true;
 

@@ -44,8 +44,9 @@ bool JudgeOffsetText(const std::string& text, std::string& digits, bool& negativ
 // file's name in the main window, says "Load Complete!", keeps the range,
 // drive and folder in the store, and closes. The dump is emptied whatever
 // the outcome of a load. True when the dialog closes. report, when given,
-// tells how it ended.
+// tells how it ended; options, how the file is read (the window's rules
+// by default).
 bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore& store,
-                    LoadReport* report = nullptr);
+                    LoadReport* report = nullptr, const LoadOptions& options = {});
 
 }  // namespace kestrum

@@ -1,6 +1,7 @@
 #include "reading/LoadObjectFile.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "reading/BinReader.h"
 #include "reading/ByteSource.h"
@@ -19,94 +20,111 @@ LoadReport ErrorStop(Module1& m, Platform& platform, LoadReport report) {
   return report;
 }
 
-LoadReport FileFailure(Module1& m, Platform& platform, LoadFormat format, const std::string& reason) {
-  LoadReport report;
+LoadReport FileFailure(Module1& m, Platform& platform, LoadReport report, const std::string& reason) {
   report.outcome = LoadReport::Outcome::FileFailure;
-  report.format = format;
   report.message = "Cannot read " + m.LoadFileName + ": " + reason;
   return ErrorStop(m, platform, std::move(report));
 }
 
 struct SLines {
-  RecordStatus ReadLine(Module1& m, const Line& line, Address LoadFirst, Address LoadLast) {
-    return ReadSLine(m, line, LoadFirst, LoadLast);
+  RecordStatus ReadLine(RecordTarget& target, const Line& line, Address LoadFirst, Address LoadLast) {
+    return ReadSLine(target, line, LoadFirst, LoadLast);
   }
 };
 
 template <typename Reader>
-LoadReport ReadLines(Module1& m, Platform& platform, ByteSource& source, std::uint64_t length,
-                     LoadFormat format, Address LoadFirst, Address LoadLast) {
+LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& source, LoadReport report,
+                     ReadingMode mode, Address LoadFirst, Address LoadLast) {
   Reader reader;
   // A small file needs no block of full size; every line of it still fits.
   constexpr std::uint64_t kSmallBlock = 4096;
-  LineReader lines(source, static_cast<std::size_t>(std::clamp<std::uint64_t>(length + 1, kSmallBlock,
-                                                                              LineReader::kBlockSize)));
+  LineReader lines(source,
+                   static_cast<std::size_t>(std::clamp<std::uint64_t>(report.length + 1, kSmallBlock,
+                                                                      LineReader::kBlockSize)),
+                   mode);
   Line line;
-  while (lines.Next(line)) {
-    const RecordStatus status = reader.ReadLine(m, line, LoadFirst, LoadLast);
-    if (status == RecordStatus::Ok) continue;
-    LoadReport report;
+  RecordStatus status = RecordStatus::Ok;
+  while (status == RecordStatus::Ok && lines.Next(line)) {
+    if (target.observer) target.observer->Line(line.text, report.format == LoadFormat::HEX);
+    status = reader.ReadLine(target, line, LoadFirst, LoadLast);
+  }
+  report.lines = lines.LineNumber();
+  report.dataRecords = target.dataRecords;
+  report.stored = target.stored;
+  if (status != RecordStatus::Ok) {
     report.outcome = LoadReport::Outcome::RecordError;
-    report.format = format;
     report.line = lines.LineNumber();
     report.message = RecordMessage(status);
-    return ErrorStop(m, platform, std::move(report));
+    return ErrorStop(target.m, platform, std::move(report));
   }
-  if (source.Failed()) return FileFailure(m, platform, format, source.Failure());
-  LoadReport report;
-  report.format = format;
+  if (source.Failed()) return FileFailure(target.m, platform, std::move(report), source.Failure());
   return report;
 }
 
 LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                    const std::string& bareName, ByteSource& source, std::uint64_t length) {
-  LoadFormat format = LoadFormat::BIN;
-  if (!FormatByExtension(ExtensionOf(bareName), format)) {
+                    const std::string& bareName, ByteSource& file, std::uint64_t length,
+                    const LoadOptions& options) {
+  LoadReport report;
+  report.length = length;
+  ProgressSource watched(file, length, options.progress);
+  ByteSource& source = options.progress ? static_cast<ByteSource&>(watched) : file;
+  const std::string extension = ExtensionOf(bareName);
+  FormatDecision decision;
+  if (options.mode == ReadingMode::Tolerant || !FormatByExtension(extension, decision.format)) {
     char head[kFormatProbeBytes];
     const std::size_t got =
         source.Read(reinterpret_cast<std::uint8_t*>(head), std::min<std::uint64_t>(length, sizeof head));
-    if (source.Failed() || !source.Rewind()) return FileFailure(m, platform, format, source.Failure());
-    format = DecideFormat({}, std::string_view(head, got));
+    if (source.Failed() || !source.Rewind()) return FileFailure(m, platform, report, source.Failure());
+    decision = DecideFormat(extension, std::string_view(head, got), options.mode);
   }
-  // The dialog keeps the range inside the area; a caller that did not is
-  // held to it here, so that no store can leave the image.
-  LoadFirst = std::max(LoadFirst, m.BufFirst);
-  LoadLast = std::min(LoadLast, m.BufLast);
-  switch (format) {
+  report.format = decision.format;
+  report.basis = decision.basis;
+  RecordTarget target{m, options.observer};
+  if (options.observer) {
+    // An observer takes every record, wherever it lies.
+    LoadFirst = std::numeric_limits<Address>::min() / 2;
+    LoadLast = std::numeric_limits<Address>::max() / 2;
+  } else {
+    // The dialog keeps the range inside the area; a caller that did not is
+    // held to it here, so that no store can leave the image.
+    LoadFirst = std::max(LoadFirst, m.BufFirst);
+    LoadLast = std::min(LoadLast, m.BufLast);
+  }
+  switch (decision.format) {
     case LoadFormat::HEX:
-      return ReadLines<HexReader>(m, platform, source, length, format, LoadFirst, LoadLast);
+      return ReadLines<HexReader>(target, platform, source, report, options.mode, LoadFirst, LoadLast);
     case LoadFormat::S:
-      return ReadLines<SLines>(m, platform, source, length, format, LoadFirst, LoadLast);
+      return ReadLines<SLines>(target, platform, source, report, options.mode, LoadFirst, LoadLast);
     case LoadFormat::BIN:
       break;
   }
-  if (!ReadBin(m, source, length, LoadFirst, LoadLast)) {
-    return FileFailure(m, platform, format,
+  const bool read = ReadBin(target, source, length, LoadFirst, LoadLast);
+  report.stored = target.stored;
+  if (!read) {
+    return FileFailure(m, platform, report,
                        source.Failed() ? source.Failure() : "the file became shorter while it was read");
   }
-  LoadReport report;
-  report.format = format;
   return report;
 }
 
 }  // namespace
 
 LoadReport LoadObjectFile(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                          const std::string& bareName) {
+                          const std::string& bareName, const LoadOptions& options) {
   std::uint64_t length = 0;
   std::string reason;
-  if (!FileLength(m.LoadFileName, length, reason)) return FileFailure(m, platform, LoadFormat::BIN, reason);
+  if (!FileLength(m.LoadFileName, length, reason)) return FileFailure(m, platform, {}, reason);
   if (length == 0) return {};
   FileSource file;
-  if (!file.Open(m.LoadFileName)) return FileFailure(m, platform, LoadFormat::BIN, file.Failure());
-  return LoadFrom(m, platform, LoadFirst, LoadLast, bareName, file, length);
+  if (!file.Open(m.LoadFileName)) return FileFailure(m, platform, {}, file.Failure());
+  return LoadFrom(m, platform, LoadFirst, LoadLast, bareName, file, length, options);
 }
 
 LoadReport LoadObjectBytes(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                           const std::string& bareName, std::string_view bytes) {
+                           const std::string& bareName, std::string_view bytes, const LoadOptions& options) {
   if (bytes.empty()) return {};
   MemorySource memory(bytes);
-  return LoadFrom(m, platform, LoadFirst, LoadLast, bareName, memory, bytes.size());
+  return LoadFrom(m, platform, LoadFirst, LoadLast, bareName, memory, bytes.size(), options);
 }
 
 }  // namespace kestrum

@@ -59,6 +59,24 @@ inline bool DecodeEight(const char* text, std::uint32_t& bytes) {
 }
 }  // namespace detail
 
+// Is given what a file holds instead of the image taking it: each line as
+// it is read, and the address and bytes of each data record. While one
+// looks on, a load stores nothing and no range clips a record.
+class RecordObserver {
+ public:
+  virtual ~RecordObserver() = default;
+  virtual void Line(std::string_view text, bool hex) = 0;  // hex: a HEX line, else an S line
+  virtual void Data(Address first, const std::uint8_t* bytes, std::size_t count) = 0;
+};
+
+// Where a reader's data records go, and what they came to.
+struct RecordTarget {
+  Module1& m;
+  RecordObserver* observer = nullptr;
+  std::uint64_t dataRecords = 0;
+  std::uint64_t stored = 0;  // bytes written into the image
+};
+
 // Reads count pairs from text into out and gives the sum of their values,
 // or -1 when one of them is not a pair of hexadecimal digits. Pairs are
 // written in order, so that out then holds no byte of the bad pair or
@@ -122,8 +140,18 @@ RecordStatus StoreUpToBadDigit(Module1& m, const char* data, Address record, con
 
 // Stores the data of a record that clip does not pass over and gives the
 // sum of all its count data bytes, or -1 for a bad digit, once the bytes
-// that lie before it in clip are stored.
-inline int StoreData(Module1& m, const char* data, std::size_t count, Address record, const RecordClip& clip) {
+// that lie before it in clip are stored. An observer is given the whole
+// record instead, when all its digits are sound.
+inline int StoreData(RecordTarget& target, const char* data, std::size_t count, Address record,
+                     const RecordClip& clip) {
+  Module1& m = target.m;
+  if (target.observer) {
+    std::uint8_t bytes[255];
+    const int sum = DecodePairs(data, count, bytes);
+    if (sum >= 0) target.observer->Data(record, bytes, count);
+    return sum;
+  }
+  if (clip.last >= clip.first) target.stored += static_cast<std::uint64_t>(clip.last - clip.first + 1);
   if (count > 0 && clip.first == record && clip.last == record + static_cast<Address>(count) - 1) {
     const int sum = DecodePairs(data, count, &m.At(record));
     if (sum >= 0) return sum;

@@ -33,14 +33,14 @@ Address RecordAddress(std::string_view text, int K) {
 
 }  // namespace
 
-RecordStatus ReadSLine(Module1& m, const Line& line, Address LoadFirst, Address LoadLast) {
+RecordStatus ReadSLine(RecordTarget& target, const Line& line, Address LoadFirst, Address LoadLast) {
   const std::string_view text = line.text;
   if (text.size() < 2 || (text[0] != 'S' && text[0] != 's')) return RecordStatus::FormatError;
   switch (text[1]) {
     case '1':
     case '2':
     case '3':
-      return LoadSRecord(m, text[1] - '0', line, LoadFirst, LoadLast);
+      return LoadSRecord(target, text[1] - '0', line, LoadFirst, LoadLast);
     case '0':
     case '5':
     case '7':
@@ -52,7 +52,7 @@ RecordStatus ReadSLine(Module1& m, const Line& line, Address LoadFirst, Address 
   }
 }
 
-RecordStatus LoadSRecord(Module1& m, int K, const Line& line, Address LoadFirst, Address LoadLast) {
+RecordStatus LoadSRecord(RecordTarget& target, int K, const Line& line, Address LoadFirst, Address LoadLast) {
   const std::string_view text = line.text;
   const int count = HexPairAt(text, kCountColumn);
   if (count < 0) return RecordStatus::FormatError;
@@ -60,6 +60,7 @@ RecordStatus LoadSRecord(Module1& m, int K, const Line& line, Address LoadFirst,
   // neither leaves a trace when the test fails.
   if (line.length != kFrameLength + 2 * static_cast<std::uint64_t>(count) || !line.Whole())
     return RecordStatus::FormatError;
+  ++target.dataRecords;
 
   // The count and the address, then the data: all summed by the checksum test.
   const char* pairs = text.data() + kCountColumn - 1;
@@ -72,14 +73,14 @@ RecordStatus LoadSRecord(Module1& m, int K, const Line& line, Address LoadFirst,
   } else {
     address = RecordAddress(text, K);
   }
-  const Address record = address + m.LoadOffset;
+  const Address record = address + target.m.LoadOffset;
   const Address n = count - headerPairs;
   const RecordClip clip = ClipRecord(record, n, LoadFirst, LoadLast);
   if (clip.passedOver) return RecordStatus::Ok;
 
   int sum = -1;
   if (headerSum >= 0) {
-    const int dataSum = StoreData(m, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
+    const int dataSum = StoreData(target, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
     if (dataSum < 0) return RecordStatus::FormatError;
     sum = headerSum + dataSum;
   } else {
@@ -88,7 +89,7 @@ RecordStatus LoadSRecord(Module1& m, int K, const Line& line, Address LoadFirst,
     std::uint8_t bytes[kMaxCount];
     sum = DecodePairs(pairs, static_cast<std::size_t>(count), bytes);
     if (sum < 0) {
-      if (n > 0) StoreData(m, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
+      if (n > 0 && !target.observer) StoreData(target, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
       return RecordStatus::FormatError;
     }
   }
