@@ -27,17 +27,33 @@ std::string Head(char first, std::size_t lineEnd, char end = '\r') {
   return head;
 }
 
-// A name without an extension that decides leaves it to the head.
+// A name without an extension that decides leaves it to the head; in
+// tolerant mode blank lines in front are passed over, and a HEX or S
+// extension gives way to the other format's plain start.
 TEST(DecideFormat, FirstByteAndALineEndWithinTheProbe) {
-  const std::pair<std::string, LoadFormat> cases[] = {
-      {Head(':', 523), LoadFormat::HEX},
-      {Head(':', 524), LoadFormat::BIN},
-      {Head(':', 523, '\n'), LoadFormat::HEX},
-      {Head('S', 514), LoadFormat::S},
-      {Head('S', 515), LoadFormat::BIN},
-      {"s9030000FC\r\n", LoadFormat::BIN},  // the raw byte counts
+  const auto W = ReadingMode::Window, T = ReadingMode::Tolerant;
+  const auto E = FormatBasis::Extension, C = FormatBasis::Content;
+  const struct { const char* extension; std::string head; ReadingMode mode; LoadFormat format; FormatBasis basis; } cases[] = {
+      {"DAT", Head(':', 523), W, LoadFormat::HEX, C},
+      {"DAT", Head(':', 524), W, LoadFormat::BIN, C},
+      {"DAT", Head(':', 523, '\n'), W, LoadFormat::HEX, C},
+      {"DAT", Head('S', 514), W, LoadFormat::S, C},
+      {"DAT", Head('S', 515), W, LoadFormat::BIN, C},
+      {"DAT", "s9030000FC\r\n", T, LoadFormat::BIN, C},  // the raw byte counts
+      {"DAT", "\r\n \t\n" + Head('S', 514), W, LoadFormat::BIN, C},
+      {"DAT", "\r\n \t\n" + Head('S', 514), T, LoadFormat::S, C},
+      {"HEX", "S1", W, LoadFormat::HEX, E},
+      {"hex", "\nS1", T, LoadFormat::S, FormatBasis::ContentOverExtension},
+      {"HEX", "SX", T, LoadFormat::HEX, E},  // no plain start of an S record
+      {"S", ":", T, LoadFormat::HEX, FormatBasis::ContentOverExtension},
+      {"BIN", ":0", T, LoadFormat::BIN, E},
   };
-  for (const auto& [head, format] : cases) EXPECT_EQ(DecideFormat("DAT", head), format) << head.substr(0, 12);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.extension + (" " + c.head.substr(0, 12)));
+    const FormatDecision decision = DecideFormat(c.extension, c.head, c.mode);
+    EXPECT_EQ(decision.format, c.format);
+    EXPECT_EQ(decision.basis, c.basis);
+  }
 }
 
 struct LoadCase {
@@ -48,6 +64,12 @@ struct LoadCase {
   std::uint64_t line = 0;     // the failing record's line
   Address first = 0, last = kLast, offset = 0;
 };
+
+LoadOptions ReadIn(ReadingMode mode) {
+  LoadOptions options;
+  options.mode = mode;
+  return options;
+}
 
 std::string Lines(std::initializer_list<std::string> lines, const char* end = "\r\n") {
   std::string text;
@@ -126,14 +148,60 @@ TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
   }
 }
 
+// Line ends and layouts as toolchains write them: read in tolerant mode, and
+// unchanged in window mode. changed counts the image bytes the load changes;
+// HEX lines are the table's kHex and kHexNext unless they say otherwise.
+TEST(LoadObjectBytes, LineEndsAndLayoutInBothModes) {
+  struct Outcome {
+    const char* message;
+    std::uint64_t line;
+    std::size_t changed;
+  };
+  const std::string sHeader = "S00600004844521B";
+  const struct { const char *name, *what; std::string file; Outcome tolerant, window; } cases[] = {
+      {"T.HEX", "LF", Lines({kHex, kHexNext}, "\n"), {"", 0, 8}, {"Format Error", 1, 0}},
+      {"T.HEX", "CR", Lines({kHex, kHexNext}, "\r"), {"", 0, 8}, {"", 0, 8}},
+      {"T.HEX", "mixed", kHex + "\r\n" + kHexNext + "\n:00000001FF\r", {"", 0, 8}, {"Format Error", 2, 4}},
+      {"T.HEX", "blank first line", Lines({"", kHex}), {"", 0, 4}, {"Format Error", 1, 0}},
+      {"T.HEX", "blank middle line, counted", Lines({kHex, " \t", ":0410100005060708C3"}, "\n"), {"SUM Error", 3, 8},
+       {"Format Error", 1, 0}},
+      {"T.HEX", "blank last line", Lines({kHex, ""}), {"", 0, 4}, {"Format Error", 2, 4}},
+      {"T.HEX", "trailing blanks", Lines({kHex + " \t"}), {"", 0, 4}, {"Format Error", 1, 0}},
+      {"T.HEX", "Ctrl-Z after the last line end", Lines({kHex}) + "\x1A\x1A", {"", 0, 4}, {"Format Error", 2, 4}},
+      {"T.HEX", "Ctrl-Z inside", Lines({kHex, "\x1A", kHexNext}), {"Format Error", 2, 4}, {"Format Error", 2, 4}},
+      {"T.HEX", "S records", Lines({kS}), {"", 0, 4}, {"Format Error", 1, 0}},
+      {"T.S", "HEX records", Lines({kHex}), {"", 0, 4}, {"Format Error", 1, 0}},
+      {"T.S", "LF after an S0 header", Lines({sHeader, kS}, "\n"), {"", 0, 4}, {"", 0, 0}},
+      {"T.DAT", "blank lines in front", Lines({"", "", kS}), {"", 0, 4}, {"", 0, kS.size() + 6}},
+  };
+  for (const auto& c : cases) {
+    for (const ReadingMode mode : {ReadingMode::Tolerant, ReadingMode::Window}) {
+      const Outcome& want = mode == ReadingMode::Tolerant ? c.tolerant : c.window;
+      SCOPED_TRACE(std::string(c.what) + (mode == ReadingMode::Tolerant ? ", tolerant" : ", window"));
+      Module1 m = MakeImage(0, kLast);
+      std::fill_n(m.Buffer.data(), kLast + 1, 0x5A);
+      ScriptedPlatform platform;
+      const LoadReport report = LoadObjectBytes(m, platform, 0, kLast, c.name, c.file, ReadIn(mode));
+      EXPECT_EQ(std::count_if(m.Buffer.data(), m.Buffer.data() + kLast + 1, [](std::uint8_t b) { return b != 0x5A; }),
+                static_cast<std::ptrdiff_t>(want.changed));
+      EXPECT_EQ(report.stored, want.changed);
+      EXPECT_EQ(report.message, want.message);
+      EXPECT_EQ(report.line, want.line);
+    }
+  }
+}
+
 // Files that peer tools wrote give back the binary they were made from.
 TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
   // The command runs in a folder holding the binary IN, of size bytes, and writes out; the load gives
   // message ("" for none) at line, and the image holds the binary at base if bytesLoaded, else is untouched.
+  const char* intelhex = "/usr/bin/python3 -c \"import intelhex; h = intelhex.IntelHex(); "
+                         "h.loadbin('IN', offset=0x10000); h.write_hex_file('OUT.hex')\"";
   const struct {
     const char *command, *out, *message;
     std::size_t line, base, size;
     bool bytesLoaded;
+    ReadingMode mode = ReadingMode::Window;
   } cases[] = {
       {"srec_cat IN -binary -offset 0x10000 -o OUT.hex -intel -crlf", "OUT.hex", "", 0, 0x10000, 0x30000, true},
       {"srec_cat IN -binary -o OUT.s -motorola -address-length=2 -crlf", "OUT.s", "", 0, 0, 0xF000, true},
@@ -150,11 +218,19 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
       // Without -crlf srec_cat ends its lines with a lone LF, which ends no line here: a HEX file is one line
       // too long. (An S file is one line that begins with its S0 header and is passed over: the unit row.)
       {"srec_cat IN -binary -o OUT.hex -intel", "OUT.hex", "Format Error", 1, 0, 0x1000, false},
+      // Read tolerantly, the files load as the tools write them, lone LFs and all.
+      {"srec_cat IN -binary -o OUT.hex -intel", "OUT.hex", "", 0, 0, 0x1000, true, ReadingMode::Tolerant},
+      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=3", "OUT.s", "", 0, 0x10000, 0x30000,
+       true, ReadingMode::Tolerant},
+      {"objcopy -I binary -O srec IN OUT.s", "OUT.s", "", 0, 0, 0x8000, true, ReadingMode::Tolerant},
+      {intelhex, "OUT.hex", "", 0, 0x10000, 0x30000, true, ReadingMode::Tolerant},
   };
   std::mt19937 random(1);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.command);
-    const std::string tool = "/usr/bin/" + std::string(c.command).substr(0, std::string(c.command).find(' '));
+    const std::string command = c.command;
+    const std::string tool = command.starts_with('/') ? command.substr(0, command.find(' '))
+                                                      : "/usr/bin/" + command.substr(0, command.find(' '));
     if (!std::filesystem::exists(tool)) GTEST_SKIP() << tool << " is not installed";
     TempDir dir;
     std::string binary(c.size, '\0');
@@ -165,7 +241,7 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
     Module1 m = MakeImage(0, kLast);
     ScriptedPlatform platform;
     m.LoadFileName = (dir / c.out).string();
-    const LoadReport report = LoadObjectFile(m, platform, 0, kLast, c.out);
+    const LoadReport report = LoadObjectFile(m, platform, 0, kLast, c.out, ReadIn(c.mode));
     EXPECT_EQ(platform.Texts(), *c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
     EXPECT_EQ(report.line, c.line);
     std::string expected(kLast + 1, '\xFF');
@@ -174,24 +250,30 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
   }
 }
 
+// In tolerant mode an LF ends a line too, and blank lines, trailing blanks
+// and a closing Ctrl-Z go.
 TEST(LineReader, CrOrCrLfEndsALineAndALoneLfStays) {
   using Lines = std::vector<std::string>;
-  const std::pair<std::string, Lines> cases[] = {
-      {"", {}},
-      {"a\r\nb\r\n", {"a", "b"}},
-      {"\r\r\n\r", {"", "", ""}},
-      {"ab\r\n\nc", {"ab", "\nc"}},
-      {std::string("a\0b\r", 4), {std::string("a\0b", 3)}},
+  const struct { std::string bytes; Lines window, tolerant; } cases[] = {
+      {"", {}, {}},
+      {"a\r\nb\r\n", {"a", "b"}, {"a", "b"}},
+      {"\r\r\n\r", {"", "", ""}, {}},
+      {"ab\r\n\nc", {"ab", "\nc"}, {"ab", "c"}},
+      {"a \r\n\t\n", {"a ", "\t\n"}, {"a"}},
+      {"a\n\x1A", {"a\n\x1A"}, {"a"}},
+      {std::string("a\0b\r", 4), {std::string("a\0b", 3)}, {std::string("a\0b", 3)}},
   };
   // Each block size puts the line ends at other places of a block, a CR LF
   // pair split across two blocks among them; no line here is longer than 3.
-  for (const auto& [bytes, expected] : cases) {
+  for (const auto& c : cases) {
     for (std::size_t block : {3, 4, 5, 7, 64}) {
-      MemorySource source(bytes);
-      LineReader reader(source, block);
-      Lines lines;
-      for (Line line; reader.Next(line);) lines.emplace_back(line.text);
-      EXPECT_EQ(lines, expected) << block << ": " << bytes;
+      for (const ReadingMode mode : {ReadingMode::Window, ReadingMode::Tolerant}) {
+        MemorySource source(c.bytes);
+        LineReader reader(source, block, mode);
+        Lines lines;
+        for (Line line; reader.Next(line);) lines.emplace_back(line.text);
+        EXPECT_EQ(lines, mode == ReadingMode::Window ? c.window : c.tolerant) << block << ": " << c.bytes;
+      }
     }
   }
 }
