@@ -1,6 +1,7 @@
 // Loading a 64 MiB image from HEX, S and BIN files that the benchmark makes
 // itself. Throughput is counted in bytes of file text (of file bytes for BIN):
-// from disk through the file layer, and from memory to see the readers alone.
+// from disk through the file layer, and from memory to see the readers alone;
+// each text format in window mode and in the command line's tolerant mode.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -139,24 +140,32 @@ void Check(const Module1& m) {
   }
 }
 
-void LoadFromDisk(benchmark::State& state, const char* name, const std::string& bytes) {
+kestrum::LoadOptions ReadIn(kestrum::ReadingMode mode) {
+  kestrum::LoadOptions options;
+  options.mode = mode;
+  return options;
+}
+
+void LoadFromDisk(benchmark::State& state, const char* name, const std::string& bytes,
+                  kestrum::ReadingMode mode = kestrum::ReadingMode::Window) {
   Files& files = TheFiles();
   Module1& m = Image();
   QuietPlatform platform;
   m.LoadFileName = (files.dir / name).string();
   for (auto _ : state) {
-    kestrum::LoadObjectFile(m, platform, m.BufFirst, m.BufLast, name);
+    kestrum::LoadObjectFile(m, platform, m.BufFirst, m.BufLast, name, ReadIn(mode));
     benchmark::ClobberMemory();
   }
   Check(m);
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes.size()));
 }
 
-void LoadFromMemory(benchmark::State& state, const char* name, const std::string& bytes) {
+void LoadFromMemory(benchmark::State& state, const char* name, const std::string& bytes,
+                    kestrum::ReadingMode mode = kestrum::ReadingMode::Window) {
   Module1& m = Image();
   QuietPlatform platform;
   for (auto _ : state) {
-    kestrum::LoadObjectBytes(m, platform, m.BufFirst, m.BufLast, name, bytes);
+    kestrum::LoadObjectBytes(m, platform, m.BufFirst, m.BufLast, name, bytes, ReadIn(mode));
     benchmark::ClobberMemory();
   }
   Check(m);
@@ -168,12 +177,21 @@ void BM_LoadSFile(benchmark::State& state) { LoadFromDisk(state, "image.s", TheF
 void BM_LoadBinFile(benchmark::State& state) { LoadFromDisk(state, "image.bin", TheFiles().bin); }
 void BM_ReadHexText(benchmark::State& state) { LoadFromMemory(state, "image.hex", TheFiles().hex); }
 void BM_ReadSText(benchmark::State& state) { LoadFromMemory(state, "image.s", TheFiles().s); }
+constexpr auto kTolerant = kestrum::ReadingMode::Tolerant;
+void BM_LoadHexFileTolerant(benchmark::State& state) { LoadFromDisk(state, "image.hex", TheFiles().hex, kTolerant); }
+void BM_LoadSFileTolerant(benchmark::State& state) { LoadFromDisk(state, "image.s", TheFiles().s, kTolerant); }
+void BM_ReadHexTextTolerant(benchmark::State& state) { LoadFromMemory(state, "image.hex", TheFiles().hex, kTolerant); }
+void BM_ReadSTextTolerant(benchmark::State& state) { LoadFromMemory(state, "image.s", TheFiles().s, kTolerant); }
 
 BENCHMARK(BM_LoadHexFile)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_LoadSFile)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_LoadBinFile)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_ReadHexText)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_ReadSText)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_LoadHexFileTolerant)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_LoadSFileTolerant)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_ReadHexTextTolerant)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_ReadSTextTolerant)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 }  // namespace
 

@@ -28,8 +28,12 @@ bool StderrIsTerminal() {
 ProgressLine::ProgressLine(std::ostream& err, std::string what, bool shown)
     : err_(err), what_(std::move(what)), enabled_(shown) {}
 
-ProgressLine::~ProgressLine() {
+ProgressLine::~ProgressLine() { Done(); }
+
+void ProgressLine::Done() {
   if (drawn_) err_ << kClearLine << std::flush;
+  drawn_ = false;
+  enabled_ = false;
 }
 
 void ProgressLine::operator()(std::uint64_t done, std::uint64_t total) {

@@ -20,6 +20,8 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
 
   void operator()(std::uint64_t done, std::uint64_t total);
+  // Clears the line, before anything else is written.
+  void Done();
 
  private:
   std::ostream& err_;

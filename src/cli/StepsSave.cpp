@@ -58,13 +58,16 @@ int RunSave(CliContext& ctx, const Step& step) {
   ctx.m.SaveFirst = range.first;
   ctx.m.SaveLast = range.last;
   ctx.m.RecordLength = static_cast<std::int16_t>(length);
+  const std::string& file = step.args[0];
+  ProgressLine progress(ctx.err, "save " + file, ctx.progress);
   WriteOptions options;
   options.replaceWhole = true;
   options.keepPartial = false;
-  const std::string& file = step.args[0];
+  options.progress = [&progress](std::uint64_t done, std::uint64_t total) { progress(done, total); };
   const SaveOutcome outcome = bin   ? SaveBinFile(ctx.m, ctx.platform, file, options)
-                              : hex ? SaveHexFile(ctx.m, ctx.platform, file)
+                              : hex ? SaveHexFile(ctx.m, ctx.platform, file, options)
                                     : SaveSFile(ctx.m, ctx.platform, file, options);
+  progress.Done();
   if (outcome != SaveOutcome::Done) return Failed(ctx, outcome);
   if (ctx.verbose) {
     ctx.err << "save: " << file << ": " << AddressToText(range.first) << ":" << AddressToText(range.last)

@@ -1,7 +1,13 @@
 #include "reading/LineReader.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define KESTRUM_SSE2 1
+#endif
 
 namespace kestrum {
 
@@ -16,6 +22,33 @@ std::size_t TrailingBlanks(std::string_view text) {
   std::size_t n = 0;
   while (n < text.size() && IsBlank(text[text.size() - 1 - n])) ++n;
   return n;
+}
+
+// The first CR or LF from p on, or nullptr: sixteen or eight bytes at a
+// time, since a search for each of the two would go over every line twice.
+const char* FirstLineEnd(const char* p, const char* end) {
+#ifdef KESTRUM_SSE2
+  const __m128i cr = _mm_set1_epi8(kCr), lf = _mm_set1_epi8(kLf);
+  for (; end - p >= 16; p += 16) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const int found = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(x, cr), _mm_cmpeq_epi8(x, lf)));
+    if (found != 0) return p + std::countr_zero(static_cast<unsigned>(found));
+  }
+#endif
+  if constexpr (std::endian::native == std::endian::little) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101, kHigh = 0x80 * kOnes;
+    for (; end - p >= 8; p += 8) {
+      std::uint64_t x;
+      std::memcpy(&x, p, 8);
+      const std::uint64_t cr = x ^ (kCr * kOnes), lf = x ^ (kLf * kOnes);
+      // A byte of zero sets its high bit; only bytes above the first can be set wrongly.
+      const std::uint64_t found = (((cr - kOnes) & ~cr) | ((lf - kOnes) & ~lf)) & kHigh;
+      if (found != 0) return p + std::countr_zero(found) / 8;
+    }
+  }
+  for (; p < end; ++p)
+    if (*p == kCr || *p == kLf) return p;
+  return nullptr;
 }
 
 // Old systems fill the rest of a file's last sector with Ctrl-Z.
@@ -52,19 +85,8 @@ std::size_t LineReader::FindEnd(std::size_t from) const {
     const auto* cr = static_cast<const char*>(std::memchr(base + from, kCr, end_ - from));
     return cr ? static_cast<std::size_t>(cr - base) : kNone;
   }
-  // Whichever of CR and LF comes first, looked for in growing windows: a
-  // file without one of them is not searched to the end of the block for
-  // every line.
-  for (std::size_t window = 128; from < end_; window *= 2) {
-    const std::size_t stop = end_ - from > window ? from + window : end_;
-    const auto* lf = static_cast<const char*>(std::memchr(base + from, kLf, stop - from));
-    const std::size_t lfAt = lf ? static_cast<std::size_t>(lf - base) : stop;
-    const auto* cr = static_cast<const char*>(std::memchr(base + from, kCr, lfAt - from));
-    if (cr) return static_cast<std::size_t>(cr - base);
-    if (lf) return lfAt;
-    from = stop;
-  }
-  return kNone;
+  const char* at = FirstLineEnd(base + from, base + end_);
+  return at ? static_cast<std::size_t>(at - base) : kNone;
 }
 
 void LineReader::PassEnd(std::size_t at) {

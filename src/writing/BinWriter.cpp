@@ -16,7 +16,9 @@ SaveOutcome SaveBinFile(Module1& m, Platform& platform, const std::string& FileN
   const std::uint64_t size = static_cast<std::uint64_t>(m.SaveLast - m.SaveFirst + 1);
   // Large pieces, each taken by the system in one call.
   constexpr std::uint64_t kPiece = std::uint64_t{1} << 24;
+  RangeProgress progress(m, options);
   for (std::uint64_t done = 0; done < size;) {
+    progress.At(m.SaveFirst + static_cast<Address>(done));
     const std::uint64_t piece = std::min(kPiece, size - done);
     if (!file.Write(bytes + done, static_cast<std::size_t>(piece))) return ReportFileFailure(m, platform, file);
     done += piece;

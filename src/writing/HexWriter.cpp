@@ -36,7 +36,8 @@ char* PutBase(char* out, unsigned upper) {
 
 }  // namespace
 
-SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileName) {
+SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileName,
+                        const WriteOptions& options) {
   if (!RecordLengthFits(m, platform)) return SaveOutcome::RecordLengthError;
   OutputFile file = OutputFile::Create(FileName);
   if (!file.ok()) return ReportFileFailure(m, platform, file);
@@ -50,7 +51,9 @@ SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileN
     if (!room) return ReportFileFailure(m, platform, file);
     text.Used(PutBase(room, upper));
   }
+  RangeProgress progress(m, options);
   while (address <= m.SaveLast) {
+    progress.At(address);
     char* out = text.Room(2 * records::kMaxLine);
     if (!out) return ReportFileFailure(m, platform, file);
     // A record never exceeds 255 bytes, so it passes at most one boundary.

@@ -36,7 +36,9 @@ SaveOutcome SaveSFile(Module1& m, Platform& platform, const std::string& FileNam
   TextOutput text(file);
 
   const Address length = m.RecordLength;
+  RangeProgress progress(m, options);
   for (Address address = m.SaveFirst; address <= m.SaveLast; address += length) {
+    progress.At(address);
     const RecordType type = TypeFor(address);
     const unsigned n = static_cast<unsigned>(address + length - 1 <= m.SaveLast ? length
                                                                                 : m.SaveLast - address + 1);

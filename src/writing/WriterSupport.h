@@ -20,6 +20,27 @@ inline SaveOutcome Finish(Module1& m, Platform& platform, OutputFile& file) {
   return SaveOutcome::Done;
 }
 
+// Tells a writer's caller how far through the range it has come, once a
+// mebibyte of the image.
+class RangeProgress {
+ public:
+  RangeProgress(const Module1& m, const WriteOptions& options) : options_(options), first_(m.SaveFirst),
+      total_(static_cast<std::uint64_t>(m.SaveLast - m.SaveFirst + 1)), next_(options.progress ? first_ : kNever) {}
+  void At(Address address) {
+    if (address < next_) return;
+    options_.progress(static_cast<std::uint64_t>(address - first_), total_);
+    next_ = address + kStep;
+  }
+
+ private:
+  static constexpr Address kStep = Address{1} << 20;
+  static constexpr Address kNever = Address{1} << 62;
+  const WriteOptions& options_;
+  Address first_;
+  std::uint64_t total_;
+  Address next_;
+};
+
 // The record writers' guard against a length the save flow should have
 // refused: a length of 0 would never end.
 inline bool RecordLengthFits(Module1& m, Platform& platform) {

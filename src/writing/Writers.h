@@ -3,6 +3,8 @@
 // (both in the area, SaveFirst <= SaveLast) to one file, which takes its
 // name only once it is complete. A writer that fails shows why through the
 // platform, sets FileError to -1 and says how it ended.
+#include <cstdint>
+#include <functional>
 #include <string>
 
 #include "image/Module1.h"
@@ -23,6 +25,8 @@ struct WriteOptions {
   // S: a file cut short by a record length error still takes the name, with
   // the records before the failing one. Otherwise the old file stays.
   bool keepPartial = true;
+  // BIN, HEX and S: told now and then how many bytes of the range are written.
+  std::function<void(std::uint64_t done, std::uint64_t total)> progress;
 };
 
 inline constexpr const char* kRecordLengthError = "Record Length Error!";
@@ -34,7 +38,8 @@ SaveOutcome SaveBinFile(Module1& m, Platform& platform, const std::string& FileN
 
 // Intel HEX, RecordLength (1..255) data bytes a record; the record in which
 // the range ends is cut only at BufLast.
-SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileName);
+SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileName,
+                        const WriteOptions& options = {});
 
 // Motorola S1/S2/S3 by each record's own address, the last record cut at
 // SaveLast. Starts by clearing FileError.

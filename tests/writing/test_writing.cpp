@@ -140,7 +140,7 @@ TEST(Writers, SCountAbove255FailsBeforeTheRecord) {
     if (!c.fails) continue;
     // Without keeping the cut-short file, the old one stays whole.
     test::WriteFile(path, "old content");
-    EXPECT_EQ(SaveSFile(m, platform, path.string(), {.keepPartial = false}), SaveOutcome::RecordLengthError);
+    EXPECT_EQ(SaveSFile(m, platform, path.string(), {.keepPartial = false, .progress = {}}), SaveOutcome::RecordLengthError);
     EXPECT_EQ(ReadFile(path), "old content");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 1) << "a working file stayed";
   }
