@@ -4,10 +4,12 @@
 // must agree exactly. As the model stops at the first bad line, so must the
 // loader, and a byte outside the range can change in neither. The same
 // bytes loaded from a file on disk give the same result as from memory,
-// and the line splitter gives the model's lines at any block size.
+// and the line splitter gives the model's lines at any block size. Both
+// reading modes, window and tolerant, are held to the model.
 //
 // Input: a header of 10 bytes, the bare name, then the file.
-//   [0] flags: bits 0-1 the area, bits 2-3 how the offset is read, bit 4 its sign
+//   [0] flags: bits 0-1 the area, bits 2-3 how the offset is read, bit 4 its
+//       sign, bit 5 tolerant mode
 //   [1] length of the bare name (mod 33)
 //   [2..3] LoadFirst - BufFirst, [4..5] LoadLast - LoadFirst (clamped to the area)
 //   [6..9] the offset
@@ -49,16 +51,36 @@ class CountingPlatform : public Platform {
 
 // ---- The model: the rules as plainly as they can be written ----
 
-std::vector<std::string_view> SplitLines(std::string_view bytes) {
-  std::vector<std::string_view> lines;
+struct ModelLine {
+  std::string_view text;
+  std::uint64_t number;  // counted from 1, passed-over lines included
+};
+
+bool Blank(char c) { return c == ' ' || c == '\t'; }
+
+// Window mode: CR or CR LF ends a line. Tolerant mode: LF too; blank lines
+// go, trailing blanks go, and a last line without an end of Ctrl-Z, blanks
+// and tabs goes.
+std::vector<ModelLine> SplitLines(std::string_view bytes, bool tolerant) {
+  std::vector<ModelLine> lines;
+  std::uint64_t number = 0;
+  const auto add = [&](std::string_view text, bool atEof) {
+    ++number;
+    if (tolerant) {
+      while (!text.empty() && Blank(text.back())) text.remove_suffix(1);
+      if (text.empty()) return;
+      if (atEof && text.find_first_not_of("\x1A \t") == std::string_view::npos) return;
+    }
+    lines.push_back({text, number});
+  };
   std::size_t begin = 0;
   for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (bytes[i] != '\r') continue;
-    lines.push_back(bytes.substr(begin, i - begin));
-    if (i + 1 < bytes.size() && bytes[i + 1] == '\n') ++i;
+    if (bytes[i] != '\r' && !(tolerant && bytes[i] == '\n')) continue;
+    add(bytes.substr(begin, i - begin), false);
+    if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n') ++i;
     begin = i + 1;
   }
-  if (begin < bytes.size()) lines.push_back(bytes.substr(begin));
+  if (begin < bytes.size()) add(bytes.substr(begin), true);
   return lines;
 }
 
@@ -153,12 +175,20 @@ struct ModelOutcome {
   std::uint64_t line = 0;
 };
 
-LoadFormat ModelFormat(std::string_view name, std::string_view file) {
+LoadFormat ModelFormat(std::string_view name, std::string_view file, bool tolerant) {
   const auto dot = name.find('.');
   const std::string_view extension = dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
-  if (EqualsIgnoreCase(extension, "HEX")) return LoadFormat::HEX;
+  if (tolerant) {
+    // The loader looks at the head of the file only.
+    file = file.substr(0, kFormatProbeBytes);
+    file.remove_prefix(std::min(file.find_first_not_of(" \t\r\n"), file.size()));
+  }
+  const bool colon = !file.empty() && file[0] == ':';
+  const bool sRecord = file.size() >= 2 && file[0] == 'S' && file[1] >= '0' && file[1] <= '9';
+  if (EqualsIgnoreCase(extension, "HEX")) return tolerant && sRecord ? LoadFormat::S : LoadFormat::HEX;
   if (EqualsIgnoreCase(extension, "BIN")) return LoadFormat::BIN;
-  if (EqualsIgnoreCase(extension, "S")) return LoadFormat::S;
+  if (EqualsIgnoreCase(extension, "S")) return tolerant && colon ? LoadFormat::HEX : LoadFormat::S;
+  if (file.empty()) return LoadFormat::BIN;
   const auto lineEndWithin = [&](std::size_t span) {
     return file.substr(0, span).find_first_of("\r\n") != std::string_view::npos;
   };
@@ -167,10 +197,10 @@ LoadFormat ModelFormat(std::string_view name, std::string_view file) {
   return LoadFormat::BIN;
 }
 
-ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view file) {
+ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view file, bool tolerant) {
   ModelOutcome outcome;
   if (file.empty()) return outcome;
-  outcome.format = ModelFormat(name, file);
+  outcome.format = ModelFormat(name, file, tolerant);
   if (outcome.format == LoadFormat::BIN) {
     for (std::size_t k = 0; k < file.size(); ++k) {
       const Address A = model.loadFirst + model.offset + static_cast<Address>(k);
@@ -179,9 +209,9 @@ ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view fil
     }
     return outcome;
   }
-  for (std::string_view line : SplitLines(file)) {
-    ++outcome.line;
-    outcome.status = outcome.format == LoadFormat::HEX ? model.HexLine(line) : model.SLine(line);
+  for (const ModelLine& line : SplitLines(file, tolerant)) {
+    outcome.line = line.number;
+    outcome.status = outcome.format == LoadFormat::HEX ? model.HexLine(line.text) : model.SLine(line.text);
     if (outcome.status != Status::Ok) return outcome;
   }
   outcome.line = 0;
@@ -233,18 +263,19 @@ const std::string& ScratchFile() {
 
 // The splitter's lines at a small block size: each the model's line, whole
 // while it fits the block, else its head and full length.
-void CheckLines(std::string_view file, const std::vector<std::string_view>& expected, std::size_t blockSize) {
+void CheckLines(std::string_view file, const std::vector<ModelLine>& expected, std::size_t blockSize,
+                ReadingMode mode) {
   MemorySource source(file);
-  LineReader reader(source, blockSize);
+  LineReader reader(source, blockSize, mode);
   Line line;
   std::size_t i = 0;
   while (reader.Next(line)) {
     Check(i < expected.size(), "no more lines than the model's");
-    const std::string_view want = expected[i++];
+    const std::string_view want = expected[i].text;
     Check(line.length == want.size(), "a line's full length");
     Check(want.substr(0, line.text.size()) == line.text, "a line's head");
-    Check(line.Whole() || want.size() >= blockSize, "a line that fits the block is whole");
-    Check(reader.LineNumber() == i, "lines counted from 1");
+    Check(line.Whole() || want.size() >= blockSize || mode == ReadingMode::Tolerant, "a line that fits the block is whole");
+    Check(reader.LineNumber() == expected[i++].number, "lines counted from 1");
   }
   Check(i == expected.size(), "every line of the model");
 }
@@ -275,15 +306,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (data[0] & 0x10) offset = -offset;
   m.LoadOffset = offset;
   m.LoadFileName = "memory/" + name;
+  const bool tolerant = (data[0] & 0x20) != 0;
+  LoadOptions options;
+  options.mode = tolerant ? ReadingMode::Tolerant : ReadingMode::Window;
 
   static std::vector<std::uint8_t> expected;
   expected = Pattern();
   Model model{expected, m.BufFirst, loadFirst, loadLast, offset};
-  const ModelOutcome want = ModelLoad(model, name, file);
+  const ModelOutcome want = ModelLoad(model, name, file, tolerant);
 
   Reset(m);
   CountingPlatform platform;
-  const LoadReport got = LoadObjectBytes(m, platform, loadFirst, loadLast, name, file);
+  const LoadReport got = LoadObjectBytes(m, platform, loadFirst, loadLast, name, file, options);
   const bool failed = want.status != Status::Ok;
   Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0, "the model's image");
   Check(got.Loaded() == !failed, "the model's outcome");
@@ -305,13 +339,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Reset(m);
     m.LoadFileName = ScratchFile();
     CountingPlatform diskPlatform;
-    const LoadReport disk = LoadObjectFile(m, diskPlatform, loadFirst, loadLast, name);
+    const LoadReport disk = LoadObjectFile(m, diskPlatform, loadFirst, loadLast, name, options);
     Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0, "the same image from disk");
     Check(disk.outcome == got.outcome && disk.line == got.line && disk.message == got.message,
           "the same outcome from disk");
   }
 
-  const std::vector<std::string_view> lines = SplitLines(file);
-  CheckLines(file, lines, 1 + data[5] % 64);
+  CheckLines(file, SplitLines(file, tolerant), 1 + data[5] % 64, options.mode);
   return 0;
 }
