@@ -1,5 +1,7 @@
 # make run   builds and opens the window (or, without a display, says so)
 # make test  builds and runs every test
+# make install [PREFIX=/usr/local] [DESTDIR=]  installs the programs, manual pages and the rest
+# make package  builds the Debian package build/kestrum_<version>_amd64.deb
 # Both install what is missing on a fresh Debian 12 machine first.
 
 BUILD ?= build
@@ -9,14 +11,14 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 # Debian packages the build and the tests need.
 PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
            libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core \
-           strace acl
+           strace acl dpkg-dev file lintian desktop-file-utils man-db
 
 # What make run shows without a display: load, dump, sum and save, the
 # files going into the build folder.
 EXAMPLE = load examples/blink.hex dump 0 sum 0:FFFF \
           save $(BUILD)/blink.s --format s --range 0:FFFF ysm $(BUILD)/blink.YSM --sum 16-16 --range 0:FFFF
 
-.PHONY: all deps configure build run test test-asan test-xvfb fuzz clean
+.PHONY: all deps configure build run test test-asan test-xvfb fuzz install package package-check clean
 
 all: build
 
@@ -57,6 +59,18 @@ run: build
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+# Stripped, as a package holds them; DESTDIR stages the tree elsewhere.
+PREFIX ?= /usr/local
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD) --prefix "$(PREFIX)" --strip
+
+# The Debian package, and what CI checks in it without installing it.
+package: build
+	rm -f $(BUILD)/kestrum_*.deb
+	cd $(BUILD) && cpack -G DEB
+package-check: package
+	packaging/check $(BUILD)
 
 # The whole suite again, built with AddressSanitizer and UndefinedBehaviorSanitizer.
 ASAN_BUILD ?= build-asan
