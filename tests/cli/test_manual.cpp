@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include "TestSupport.h"
@@ -21,7 +22,8 @@ TEST(Manual, NamesWhatTheHelpNames) {
       std::regex(R"(\\-)"), "-");
   const std::string completion = test::ReadFile(source / "packaging/kestrum-cli.bash");
 
-  std::vector<std::string> steps, words;
+  std::vector<std::string> steps;
+  std::set<std::string> words;
   std::istringstream lines(help.substr(help.find("Steps:")));
   for (std::string line; std::getline(lines, line) && line != "Options:";) {
     std::smatch m;
@@ -33,9 +35,9 @@ TEST(Manual, NamesWhatTheHelpNames) {
     std::istringstream parts((*it)[0].str());
     std::string name, values;
     parts >> name >> values;
-    words.push_back(name);
+    words.insert(name);
     for (std::istringstream alternatives(values); std::getline(alternatives, values, '|');)
-      words.push_back(values);
+      words.insert(values);
   }
   for (const auto& step : steps) {
     EXPECT_TRUE(std::regex_search(manual, std::regex("\n\\.BI? " + step + "[ \n]"))) << "manual: step " << step;
