@@ -12,7 +12,7 @@ _kestrum_cli() {
     fi
 
     local steps="load info fill clear sum crc dump save ysm"
-    local models="CRC-32/ISO-HDLC CRC-32/MPEG-2 CRC-32C CRC-32/BZIP2 CRC-32/JAMCRC
+    local models="CRC-32/ISO-HDLC CRC-32/MPEG-2 CRC-32/ISCSI CRC-32/BZIP2 CRC-32/JAMCRC
         CRC-16/ARC CRC-16/MODBUS CRC-16/IBM-3740 CRC-16/SPI-FUJITSU CRC-16/XMODEM
         CRC-16/KERMIT CRC-8/SMBUS custom:"
 
