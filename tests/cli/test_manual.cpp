@@ -3,6 +3,7 @@
 // fixed list, appears in both.
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <filesystem>
 #include <regex>
 #include <set>
@@ -23,21 +24,16 @@ TEST(Manual, NamesWhatTheHelpNames) {
   const std::string completion = test::ReadFile(source / "packaging/kestrum-cli.bash");
 
   std::vector<std::string> steps;
-  std::set<std::string> words;
   std::istringstream lines(help.substr(help.find("Steps:")));
-  for (std::string line; std::getline(lines, line) && line != "Options:";) {
-    std::smatch m;
-    if (std::regex_search(line, m, std::regex("^  ([a-z]+)"))) steps.push_back(m[1]);
-  }
+  for (std::string line; std::getline(lines, line) && line != "Options:";)
+    if (line.size() > 2 && line.compare(0, 2, "  ") == 0 && std::islower(line[2]))
+      steps.push_back(line.substr(2, line.find(' ', 2) - 2));
   ASSERT_GE(steps.size(), 7u) << help;
-  const std::regex option(R"(--[a-z][a-z-]*( [a-z0-9-]+(\|[a-z0-9-]+)+)?)");
-  for (std::sregex_iterator it(help.begin(), help.end(), option), end; it != end; ++it) {
-    std::istringstream parts((*it)[0].str());
-    std::string name, values;
-    parts >> name >> values;
-    words.insert(name);
-    for (std::istringstream alternatives(values); std::getline(alternatives, values, '|');)
-      words.insert(values);
+  std::set<std::string> words;  // the options, and the values of the fixed lists
+  const std::regex token(R"(--[a-z][a-z-]*|[a-z0-9-]+(\|[a-z0-9-]+)+)");
+  for (std::sregex_iterator it(help.begin(), help.end(), token), end; it != end; ++it) {
+    std::istringstream alternatives(it->str());
+    for (std::string word; std::getline(alternatives, word, '|');) words.insert(word);
   }
   for (const auto& step : steps) {
     EXPECT_TRUE(std::regex_search(manual, std::regex("\n\\.BI? " + step + "[ \n]"))) << "manual: step " << step;
