@@ -1,8 +1,8 @@
 # make run   builds and opens the window (or, without a display, says so)
 # make test  builds and runs every test
+# Both install what is missing on a fresh Debian 12 machine first.
 # make install [PREFIX=/usr/local] [DESTDIR=]  installs the programs, manual pages and the rest
 # make package  builds the Debian package build/kestrum_<version>_amd64.deb
-# Both install what is missing on a fresh Debian 12 machine first.
 
 BUILD ?= build
 BUILD_TYPE ?= RelWithDebInfo
