@@ -5,7 +5,9 @@
 // loader, and a byte outside the range can change in neither. The same
 // bytes loaded from a file on disk give the same result as from memory,
 // and the line splitter gives the model's lines at any block size. Both
-// reading modes, window and tolerant, are held to the model.
+// reading modes, window and tolerant, are held to the model, and every load
+// runs twice: with the quick road through whole records and with the exact
+// reader alone.
 //
 // Input: a header of 10 bytes, the bare name, then the file.
 //   [0] flags: bits 0-1 the area, bits 2-3 how the offset is read, bit 4 its
@@ -330,6 +332,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Check(platform.pointer == vbDefault, "the pointer back to default");
   }
   if (!file.empty()) Check(got.format == want.format, "the model's format");
+
+  // The exact reader alone, without the quick road through whole records.
+  {
+    Reset(m);
+    CountingPlatform exactPlatform;
+    LoadOptions exactOnly = options;
+    exactOnly.quick = false;
+    const LoadReport exact = LoadObjectBytes(m, exactPlatform, loadFirst, loadLast, name, file, exactOnly);
+    Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0,
+          "the image without the quick road");
+    Check(exact.outcome == got.outcome && exact.line == got.line && exact.message == got.message &&
+              exact.lines == got.lines && exact.dataRecords == got.dataRecords && exact.stored == got.stored,
+          "the same outcome without the quick road");
+  }
 
   // The same bytes from a file on disk.
   {

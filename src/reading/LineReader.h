@@ -43,6 +43,18 @@ class LineReader {
   // The number of the line last given, counted from 1. In tolerant mode
   // lines are counted as a text editor counts them: the passed-over ones too.
   std::uint64_t LineNumber() const { return number_; }
+
+  // The bytes of the block not given out yet, for a caller that takes whole
+  // lines from them itself (empty while a CR LF pair is split between two
+  // blocks); Took says how many characters and lines it took, line ends
+  // included.
+  std::string_view Rest() const {
+    return pendingLf_ ? std::string_view() : std::string_view(block_.data() + begin_, end_ - begin_);
+  }
+  void Took(std::size_t chars, std::uint64_t lines) {
+    begin_ += chars;
+    number_ += lines;
+  }
   ByteSource& source() { return source_; }
 
  private:

@@ -7,6 +7,7 @@
 #include "reading/ByteSource.h"
 #include "reading/HexReader.h"
 #include "reading/LineReader.h"
+#include "reading/QuickRecords.h"
 #include "reading/SReader.h"
 
 namespace kestrum {
@@ -30,11 +31,15 @@ struct SLines {
   RecordStatus ReadLine(RecordTarget& target, const Line& line, Address LoadFirst, Address LoadLast) {
     return ReadSLine(target, line, LoadFirst, LoadLast);
   }
+  QuickRun Quick(Module1& m, std::string_view text, Address LoadFirst, Address LoadLast, QuickLineEnd ends) {
+    return QuickSRecords(m, text, LoadFirst, LoadLast, ends);
+  }
 };
 
 template <typename Reader>
 LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& source, LoadReport report,
-                     ReadingMode mode, Address LoadFirst, Address LoadLast) {
+                     const LoadOptions& options, Address LoadFirst, Address LoadLast) {
+  const ReadingMode mode = options.mode;
   Reader reader;
   // A small file needs no block of full size; every line of it still fits.
   constexpr std::uint64_t kSmallBlock = 4096;
@@ -44,7 +49,17 @@ LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& sourc
                    mode);
   Line line;
   RecordStatus status = RecordStatus::Ok;
-  while (status == RecordStatus::Ok && lines.Next(line)) {
+  // An observer is told every line, so it reads them all one by one.
+  const bool quick = options.quick && !target.observer;
+  const QuickLineEnd ends = mode == ReadingMode::Tolerant ? QuickLineEnd::CrLfOrLf : QuickLineEnd::CrLf;
+  while (status == RecordStatus::Ok) {
+    if (quick) {
+      const QuickRun run = reader.Quick(target.m, lines.Rest(), LoadFirst, LoadLast, ends);
+      lines.Took(run.chars, run.lines);
+      target.dataRecords += run.lines;
+      target.stored += run.stored;
+    }
+    if (!lines.Next(line)) break;
     if (target.observer) target.observer->Line(line.text, report.format == LoadFormat::HEX);
     status = reader.ReadLine(target, line, LoadFirst, LoadLast);
   }
@@ -92,9 +107,9 @@ LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address L
   }
   switch (decision.format) {
     case LoadFormat::HEX:
-      return ReadLines<HexReader>(target, platform, source, report, options.mode, LoadFirst, LoadLast);
+      return ReadLines<HexReader>(target, platform, source, report, options, LoadFirst, LoadLast);
     case LoadFormat::S:
-      return ReadLines<SLines>(target, platform, source, report, options.mode, LoadFirst, LoadLast);
+      return ReadLines<SLines>(target, platform, source, report, options, LoadFirst, LoadLast);
     case LoadFormat::BIN:
       break;
   }

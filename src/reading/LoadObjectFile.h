@@ -41,6 +41,9 @@ struct LoadOptions {
   RecordObserver* observer = nullptr;
   // Told the bytes read so far and the file's length, after each block.
   std::function<void(std::uint64_t done, std::uint64_t total)> progress;
+  // Whole, sound records are decoded many at a time before the exact reader
+  // sees what is left; off, every line goes through the exact reader.
+  bool quick = true;
 };
 
 // Reads the file m.LoadFileName with the addresses shifted by m.LoadOffset,

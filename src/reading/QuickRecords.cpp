@@ -1,0 +1,212 @@
+#include "reading/QuickRecords.h"
+
+#include <cstring>
+
+#include "reading/RecordText.h"
+
+#if defined(__x86_64__) || defined(_M_X64)
+#define KESTRUM_X86_64 1
+#include <immintrin.h>
+#endif
+
+namespace kestrum {
+
+namespace {
+
+// A record's pairs may be decoded a vector at a time past its end: the road
+// stops this far before the end of the text, and leaves the rest to the
+// exact reader.
+constexpr std::size_t kSlack = 64;
+
+// The length of the line end at p, if it is one this road takes, else 0.
+inline std::size_t LineEndAt(const char* p, QuickLineEnd ends) {
+  if (p[0] == '\r') return p[1] == '\n' ? 2 : 0;
+  return ends == QuickLineEnd::CrLfOrLf && p[0] == '\n' ? 1 : 0;
+}
+
+// Stores the n bytes of a record from address record when they lie whole in
+// LoadFirst..LoadLast; false for a record the range clips or passes over.
+inline bool StoreWhole(Module1& m, const std::uint8_t* data, int n, Address record, Address LoadFirst,
+                       Address LoadLast, QuickRun& run) {
+  if (n <= 0 || record < LoadFirst || record + n - 1 > LoadLast) return false;
+  std::memcpy(&m.At(record), data, static_cast<std::size_t>(n));
+  run.stored += static_cast<std::uint64_t>(n);
+  return true;
+}
+
+// The portable decoder; it reads nothing past the pairs.
+struct Pairs {
+  static int Decode(const char* text, std::size_t count, std::uint8_t* out) {
+    return DecodePairs(text, count, out);
+  }
+};
+
+template <typename Code>
+inline __attribute__((always_inline)) QuickRun HexLoop(Module1& m, std::string_view text, Address base,
+                                                       Address LoadFirst, Address LoadLast,
+                                                       QuickLineEnd ends) {
+  QuickRun run;
+  const Address shift = base + m.LoadOffset;
+  // Count, address, type, data and checksum: all pairs, all summed to 0.
+  alignas(32) std::uint8_t pairs[4 + 255 + 1 + 32];
+  for (std::size_t at = 0; at + kSlack < text.size();) {
+    const char* line = text.data() + at;
+    if (line[0] != ':' || line[7] != '0' || line[8] != '0') break;
+    const int n = HexPairValue(line + 1);
+    if (n < 0) break;
+    const std::size_t length = 11 + 2 * static_cast<std::size_t>(n);
+    if (at + length + kSlack > text.size()) break;
+    const std::size_t end = LineEndAt(line + length, ends);
+    if (end == 0) break;
+    const int sum = Code::Decode(line + 1, static_cast<std::size_t>(n) + 5, pairs);
+    if (sum < 0 || (sum & 0xFF) != 0) break;
+    if (!StoreWhole(m, pairs + 4, n, pairs[1] * 256 + pairs[2] + shift, LoadFirst, LoadLast, run)) break;
+    at += length + end;
+    run.chars = at;
+    ++run.lines;
+  }
+  return run;
+}
+
+template <typename Code>
+inline __attribute__((always_inline)) QuickRun SLoop(Module1& m, std::string_view text, Address LoadFirst,
+                                                     Address LoadLast, QuickLineEnd ends) {
+  QuickRun run;
+  // Count, address, data and checksum: all pairs, all summed to FF.
+  alignas(32) std::uint8_t pairs[256 + 32];
+  for (std::size_t at = 0; at + kSlack < text.size();) {
+    const char* line = text.data() + at;
+    const int K = line[1] - '0';
+    if (line[0] != 'S' || K < 1 || K > 3) break;
+    const int count = HexPairValue(line + 2);
+    if (count < 0) break;
+    const std::size_t length = 4 + 2 * static_cast<std::size_t>(count);
+    if (at + length + kSlack > text.size()) break;
+    const std::size_t end = LineEndAt(line + length, ends);
+    if (end == 0) break;
+    const int sum = Code::Decode(line + 2, static_cast<std::size_t>(count) + 1, pairs);
+    if (sum < 0 || (sum & 0xFF) != 0xFF) break;
+    Address address = 0;
+    for (int i = 1; i <= K + 1; ++i) address = address * 256 + pairs[i];
+    if (!StoreWhole(m, pairs + K + 2, count - K - 2, address + m.LoadOffset, LoadFirst, LoadLast, run)) break;
+    at += length + end;
+    run.chars = at;
+    ++run.lines;
+  }
+  return run;
+}
+
+#ifdef KESTRUM_X86_64
+
+// Whole vectors of digits, the last one read past the pairs with the
+// characters beyond them counted as sound and as 0. out takes whole vectors
+// of bytes as well.
+struct Sse2 {
+  static inline __attribute__((always_inline)) int Decode(const char* text, std::size_t count,
+                                                          std::uint8_t* out) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i index = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    __m128i sums = zero;
+    const std::size_t chars = 2 * count;
+    for (std::size_t i = 0; i < chars; i += 16) {
+      const std::size_t left = chars - i < 16 ? chars - i : 16;
+      const __m128i inside = _mm_cmplt_epi8(index, _mm_set1_epi8(static_cast<char>(left)));
+      const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + i));
+      const __m128i digit = _mm_sub_epi8(v, _mm_set1_epi8('0'));
+      const __m128i isDigit = _mm_cmpeq_epi8(_mm_min_epu8(digit, _mm_set1_epi8(9)), digit);
+      const __m128i letter = _mm_sub_epi8(_mm_or_si128(v, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
+      const __m128i isLetter = _mm_cmpeq_epi8(_mm_min_epu8(letter, _mm_set1_epi8(5)), letter);
+      const __m128i sound =
+          _mm_or_si128(_mm_or_si128(isDigit, isLetter), _mm_andnot_si128(inside, _mm_set1_epi8(-1)));
+      if (_mm_movemask_epi8(sound) != 0xFFFF) return -1;
+      const __m128i nibbles = _mm_and_si128(
+          inside, _mm_or_si128(_mm_and_si128(isDigit, digit),
+                               _mm_and_si128(isLetter, _mm_add_epi8(letter, _mm_set1_epi8(10)))));
+      const __m128i words = _mm_or_si128(_mm_slli_epi16(_mm_and_si128(nibbles, _mm_set1_epi16(0x00FF)), 4),
+                                         _mm_srli_epi16(nibbles, 8));
+      const __m128i bytes = _mm_packus_epi16(words, zero);
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i / 2), bytes);
+      sums = _mm_add_epi64(sums, _mm_sad_epu8(bytes, zero));
+    }
+    return _mm_cvtsi128_si32(sums) + _mm_cvtsi128_si32(_mm_unpackhi_epi64(sums, sums));
+  }
+};
+
+struct Avx2 {
+  static inline __attribute__((target("avx2"))) int Decode(const char* text, std::size_t count,
+                                                           std::uint8_t* out) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i index = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18,
+                                           19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31);
+    __m256i sums = zero;
+    const std::size_t chars = 2 * count;
+    for (std::size_t i = 0; i < chars; i += 32) {
+      const std::size_t left = chars - i < 32 ? chars - i : 32;
+      const __m256i inside = _mm256_cmpgt_epi8(_mm256_set1_epi8(static_cast<char>(left)), index);
+      const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text + i));
+      const __m256i digit = _mm256_sub_epi8(v, _mm256_set1_epi8('0'));
+      const __m256i isDigit = _mm256_cmpeq_epi8(_mm256_min_epu8(digit, _mm256_set1_epi8(9)), digit);
+      const __m256i letter =
+          _mm256_sub_epi8(_mm256_or_si256(v, _mm256_set1_epi8(0x20)), _mm256_set1_epi8('a'));
+      const __m256i isLetter = _mm256_cmpeq_epi8(_mm256_min_epu8(letter, _mm256_set1_epi8(5)), letter);
+      const __m256i sound =
+          _mm256_or_si256(_mm256_or_si256(isDigit, isLetter), _mm256_xor_si256(inside, _mm256_set1_epi8(-1)));
+      if (_mm256_movemask_epi8(sound) != -1) return -1;
+      const __m256i nibbles = _mm256_and_si256(
+          inside, _mm256_or_si256(_mm256_and_si256(isDigit, digit),
+                                  _mm256_and_si256(isLetter, _mm256_add_epi8(letter, _mm256_set1_epi8(10)))));
+      const __m256i words = _mm256_maddubs_epi16(nibbles, _mm256_set1_epi16(0x0110));
+      const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(words, zero), 0xD8);
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i / 2), _mm256_castsi256_si128(bytes));
+      sums = _mm256_add_epi64(sums, _mm256_sad_epu8(bytes, zero));
+    }
+    const __m128i half = _mm_add_epi64(_mm256_castsi256_si128(sums), _mm256_extracti128_si256(sums, 1));
+    return _mm_cvtsi128_si32(half) + _mm_cvtsi128_si32(_mm_unpackhi_epi64(half, half));
+  }
+};
+
+__attribute__((target("avx2"), flatten)) QuickRun HexAvx2(Module1& m, std::string_view text, Address base,
+                                                          Address LoadFirst, Address LoadLast,
+                                                          QuickLineEnd ends) {
+  return HexLoop<Avx2>(m, text, base, LoadFirst, LoadLast, ends);
+}
+__attribute__((target("avx2"), flatten)) QuickRun SAvx2(Module1& m, std::string_view text, Address LoadFirst,
+                                                        Address LoadLast, QuickLineEnd ends) {
+  return SLoop<Avx2>(m, text, LoadFirst, LoadLast, ends);
+}
+
+bool HasAvx2() {
+  static const bool has = [] {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2") != 0;
+  }();
+  return has;
+}
+
+#endif
+
+}  // namespace
+
+QuickRun QuickHexRecords(Module1& m, std::string_view text, Address base, Address LoadFirst, Address LoadLast,
+                         QuickLineEnd ends, QuickCode code) {
+  if (code == QuickCode::Pairs) return HexLoop<Pairs>(m, text, base, LoadFirst, LoadLast, ends);
+#ifdef KESTRUM_X86_64
+  if (code == QuickCode::Widest && HasAvx2()) return HexAvx2(m, text, base, LoadFirst, LoadLast, ends);
+  return HexLoop<Sse2>(m, text, base, LoadFirst, LoadLast, ends);
+#else
+  return HexLoop<Pairs>(m, text, base, LoadFirst, LoadLast, ends);
+#endif
+}
+
+QuickRun QuickSRecords(Module1& m, std::string_view text, Address LoadFirst, Address LoadLast,
+                       QuickLineEnd ends, QuickCode code) {
+  if (code == QuickCode::Pairs) return SLoop<Pairs>(m, text, LoadFirst, LoadLast, ends);
+#ifdef KESTRUM_X86_64
+  if (code == QuickCode::Widest && HasAvx2()) return SAvx2(m, text, LoadFirst, LoadLast, ends);
+  return SLoop<Sse2>(m, text, LoadFirst, LoadLast, ends);
+#else
+  return SLoop<Pairs>(m, text, LoadFirst, LoadLast, ends);
+#endif
+}
+
+}  // namespace kestrum
