@@ -129,10 +129,13 @@ OutputFile OutputFile::Create(const std::string& path) {
   for (int attempt = 0; attempt < 100 && out.file_ == sys::kNoFile; ++attempt) {
     const std::string candidate = (folder / WorkingName(out.target_, random)).string();
     ec.clear();
+    // Listed before it is made: an interruption while the file takes the
+    // old one's owner and attributes would otherwise leave it behind.
+    sys::ListedName listed(candidate);
     out.file_ = sys::CreateExclusive(candidate, replaces ? out.target_ : std::string(), ec);
     if (out.file_ != sys::kNoFile) {
       out.working_ = candidate;
-      out.listed_ = sys::ListedName(candidate);
+      out.listed_ = std::move(listed);
     } else if (ec != std::errc::file_exists) {
       break;
     }
