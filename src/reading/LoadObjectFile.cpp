@@ -44,8 +44,8 @@ LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& sourc
   // A small file needs no block of full size; every line of it still fits.
   constexpr std::uint64_t kSmallBlock = 4096;
   LineReader lines(source,
-                   static_cast<std::size_t>(std::clamp<std::uint64_t>(report.length + 1, kSmallBlock,
-                                                                      LineReader::kBlockSize)),
+                   static_cast<std::size_t>(
+                       std::clamp<std::uint64_t>(report.length + 1, kSmallBlock, LineReader::kBlockSize)),
                    mode);
   Line line;
   RecordStatus status = RecordStatus::Ok;

@@ -67,7 +67,9 @@ TEST(QuickRecords, GiveTheExactReadersResultWhereverAFileLeavesTheRoad) {
   for (const auto& [file, name] : {std::pair{hex, "a.hex"}, {s, "a.s"}}) {
     Module1 exact = test::MakeImage(0, 0xFFF);
     test::ScriptedPlatform platform;
-    LoadObjectBytes(exact, platform, 0, 0xFFF, name, file, {.quick = false});
+    LoadOptions exactOnly;
+    exactOnly.quick = false;
+    LoadObjectBytes(exact, platform, 0, 0xFFF, name, file, exactOnly);
     for (const QuickCode code : {QuickCode::Widest, QuickCode::Sse2, QuickCode::Pairs}) {
       Module1 m = test::MakeImage(0, 0xFFF);
       const QuickRun run = name[2] == 'h' ? QuickHexRecords(m, file, 0, 0, 0xFFF, QuickLineEnd::CrLf, code)
@@ -80,6 +82,7 @@ TEST(QuickRecords, GiveTheExactReadersResultWhereverAFileLeavesTheRoad) {
     const char* what;
     std::string name, file;
     Address loadFirst = 0, loadLast = 0xFFF;
+    ReadingMode mode = ReadingMode::Window;
   } rows[] = {
       {"sound HEX", "a.hex", hex},
       {"HEX checksum", "a.hex", With(hex, 9 * line + 42)},
@@ -94,23 +97,33 @@ TEST(QuickRecords, GiveTheExactReadersResultWhereverAFileLeavesTheRoad) {
       {"HEX end record between", "a.hex", hex.substr(0, 9 * line) + ":00000001FF\r\n" + hex.substr(9 * line)},
       {"HEX CR alone", "a.hex", With(hex, 9 * line + 44, '0')},
       {"HEX LF alone", "a.hex", HexLines(0x100, 20, "\n")},
+      {"HEX LF alone, tolerant", "a.hex", HexLines(0x100, 20, "\n"), 0, 0xFFF, ReadingMode::Tolerant},
+      {"HEX blank line, tolerant", "a.hex", hex.substr(0, 9 * line) + " \r\n" + hex.substr(9 * line), 0,
+       0xFFF, ReadingMode::Tolerant},
       {"sound S", "a.s", s},
       {"S checksum", "a.s", With(s, 9 * sLine + 45)},
       {"S data digit", "a.s", With(s, 9 * sLine + 30, ':')},
       {"S header between", "a.s", s.substr(0, 9 * sLine) + "S00600004844521B\r\n" + s.substr(9 * sLine)},
       {"S type 4", "a.s", With(s, 9 * sLine + 1, '4')},
       {"S clipped", "a.s", s, 0x105, 0x1F0},
+      {"S LF alone, tolerant", "a.s", SLines(0x100, 20, "\n"), 0, 0xFFF, ReadingMode::Tolerant},
   };
   for (const auto& row : rows) {
     Module1 quick = test::MakeImage(0, 0xFFF), exact = test::MakeImage(0, 0xFFF);
     test::ScriptedPlatform quickPlatform, exactPlatform;
+    LoadOptions withQuick, exactOnly;
+    withQuick.mode = exactOnly.mode = row.mode;
+    exactOnly.quick = false;
     const LoadReport a =
-        LoadObjectBytes(quick, quickPlatform, row.loadFirst, row.loadLast, row.name, row.file);
-    const LoadReport b = LoadObjectBytes(exact, exactPlatform, row.loadFirst, row.loadLast, row.name,
-                                         row.file, {.quick = false});
+        LoadObjectBytes(quick, quickPlatform, row.loadFirst, row.loadLast, row.name, row.file, withQuick);
+    const LoadReport b =
+        LoadObjectBytes(exact, exactPlatform, row.loadFirst, row.loadLast, row.name, row.file, exactOnly);
     EXPECT_EQ(std::memcmp(quick.Buffer.data(), exact.Buffer.data(), 0x1000), 0) << row.what;
     EXPECT_EQ(a.outcome, b.outcome) << row.what;
     EXPECT_EQ(a.line, b.line) << row.what;
+    EXPECT_EQ(a.lines, b.lines) << row.what;
+    EXPECT_EQ(a.stored, b.stored) << row.what;
+    EXPECT_EQ(a.dataRecords, b.dataRecords) << row.what;
     EXPECT_EQ(quickPlatform.Texts(), exactPlatform.Texts()) << row.what;
   }
 }
