@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "bufferops/ClearBuffer.h"
+#include "image/BusyScope.h"
 
 namespace kestrum {
 
@@ -29,11 +30,9 @@ bool Cmdok_Click(BufAddrFields& f, Module1& m, Platform& platform, SettingsStore
     return false;
   }
 
-  platform.SetMousePointer(vbHourglass);
-  f.CmdokEnabled = f.Command1Enabled = false;
+  BusyScope busy(platform, {&f.CmdokEnabled, &f.Command1Enabled});
   if (SizeBuffer(m, first, last) != SizeResult::Ok) {
-    platform.SetMousePointer(vbDefault);
-    f.CmdokEnabled = f.Command1Enabled = true;
+    busy.End();
     platform.MsgBox("Out of Memory");
     return false;
   }
@@ -48,8 +47,6 @@ bool Cmdok_Click(BufAddrFields& f, Module1& m, Platform& platform, SettingsStore
       {"SaveFirst", f.Text1}, {"SaveLast", f.Text2}, {"LoadFirst", f.Text1},  {"LoadLast", f.Text2}};
   for (const auto& [key, text] : ranges) store.Write(kAddress, key, text);
   store.Write(kAddress, "storedata", "10");
-  platform.SetMousePointer(vbDefault);
-  f.CmdokEnabled = f.Command1Enabled = true;
   return true;
 }
 

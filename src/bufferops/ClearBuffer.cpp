@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "image/BusyScope.h"
+
 namespace kestrum {
 
 void ResetDump(SumToolFields& w) {
@@ -16,20 +18,14 @@ void ClearBuffer(Module1& m) {
   ResetDump(m.frmsumtool);
 }
 
-namespace {
-void SetFileButtons(SumToolFields& w, bool enabled) {
-  w.cmdloadEnabled = w.cmdsaveEnabled = w.cmdbufclearEnabled = w.cmdblstoreEnabled =
-      w.cmdbufsumEnabled = enabled;
-}
-}  // namespace
-
 void cmdbufclear_Click(Module1& m, Platform& platform) {
   if (platform.MsgBox("Buffer Clear OK?", vbQuestionYesNo, "BufferClear") != vbYes) return;
-  platform.SetMousePointer(vbHourglass);
-  SetFileButtons(m.frmsumtool, false);
-  ClearBuffer(m);
-  platform.SetMousePointer(vbDefault);
-  SetFileButtons(m.frmsumtool, true);
+  {
+    SumToolFields& w = m.frmsumtool;
+    const BusyScope busy(platform, {&w.cmdloadEnabled, &w.cmdsaveEnabled, &w.cmdbufclearEnabled,
+                                    &w.cmdblstoreEnabled, &w.cmdbufsumEnabled});
+    ClearBuffer(m);
+  }
   platform.MsgBox("Buffer Clear Complete!");
 }
 

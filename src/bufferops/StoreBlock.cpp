@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "bufferops/ClearBuffer.h"
+#include "image/BusyScope.h"
 
 namespace kestrum {
 
@@ -68,11 +69,10 @@ bool Command2_Click(StoreFields& f, Module1& m, Platform& platform, SettingsStor
     return false;
   }
 
-  platform.SetMousePointer(vbHourglass);
-  f.Command1Enabled = f.Command2Enabled = false;
-  StoreBlock(m, first, last, data);
-  platform.SetMousePointer(vbDefault);
-  f.Command1Enabled = f.Command2Enabled = true;
+  {
+    const BusyScope busy(platform, {&f.Command1Enabled, &f.Command2Enabled});
+    StoreBlock(m, first, last, data);
+  }
 
   platform.MsgBox("Block Store Complete!");
   ResetDump(m.frmsumtool);

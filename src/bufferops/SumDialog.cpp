@@ -1,5 +1,7 @@
 #include "bufferops/SumDialog.h"
 
+#include "image/BusyScope.h"
+
 namespace kestrum {
 
 void ShowSums(SumFields& f, const Sums& sums) {
@@ -44,11 +46,11 @@ bool TakeSumRange(SumFields& f, Module1& m, Platform& platform) {
 
 bool Command1_Click(SumFields& f, Module1& m, Platform& platform) {
   if (!TakeSumRange(f, m, platform)) return false;
-  platform.SetMousePointer(vbHourglass);
-  f.Command1Enabled = f.Command2Enabled = false;
-  const Sums sums = CalculateSum(m);
-  platform.SetMousePointer(vbDefault);
-  f.Command1Enabled = f.Command2Enabled = true;
+  Sums sums;
+  {
+    const BusyScope busy(platform, {&f.Command1Enabled, &f.Command2Enabled});
+    sums = CalculateSum(m);
+  }
   ShowSums(f, sums);
   return true;
 }

@@ -1,6 +1,6 @@
 #pragma once
-// What the core asks of the window system: message boxes and the mouse
-// pointer. The window implements it with Qt; tests and the command line
+// What the core asks of the window system: message boxes, the mouse
+// pointer and the busy state. The window implements it with Qt; tests and the command line
 // implement it with plain code.
 #include <string>
 
@@ -27,6 +27,9 @@ class Platform {
   virtual int MsgBox(const std::string& text, int style = vbOKOnly, const std::string& title = {}) = 0;
   // Screen.MousePointer.
   virtual void SetMousePointer(int pointer) = 0;
+  // A busy scope began or ended (see BusyScope): the window shows the
+  // pointer and the buttons as they now stand before the work goes on.
+  virtual void BusyChanged() {}
 };
 
 }  // namespace kestrum

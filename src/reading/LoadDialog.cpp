@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "bufferops/ClearBuffer.h"
-
+#include "image/BusyScope.h"
 #include "image/Paths.h"
 
 namespace kestrum {
@@ -77,11 +77,12 @@ bool Command1_Click(LoadFields& f, Module1& m, Platform& platform, SettingsStore
   if (!m.InArea(last)) return Refuse(platform, report, "Last Address Error!");
   if (first > last) return Refuse(platform, report, "Address Error!");
 
-  platform.SetMousePointer(vbHourglass);
-  f.Command1Enabled = f.Command2Enabled = false;
-  LoadReport outcome = LoadObjectFile(m, platform, first, last, f.Text1, options);
-  platform.SetMousePointer(vbDefault);
-  f.Command1Enabled = f.Command2Enabled = true;
+  LoadReport outcome;
+  {
+    // A reader's message comes up with both buttons still disabled.
+    const BusyScope busy(platform, {&f.Command1Enabled, &f.Command2Enabled});
+    outcome = LoadObjectFile(m, platform, first, last, f.Text1, options);
+  }
 
   const bool loaded = m.FileError == 0;
   if (loaded) {

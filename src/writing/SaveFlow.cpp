@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "image/Address.h"
-#include "writing/Writers.h"
-
+#include "image/BusyScope.h"
 #include "image/Paths.h"
+#include "writing/Writers.h"
 
 namespace kestrum {
 
@@ -34,21 +34,15 @@ std::string DropLast(const std::string& text, std::size_t count) {
 }
 
 // The pointer and the two buttons while a save runs, and every way back
-// from it.
+// from it. A prompt shows with the default pointer and the buttons still
+// disabled.
 struct Busy {
   SaveFields& f;
   Platform& platform;
+  BusyScope scope{platform, {&f.Command5Enabled, &f.Command2Enabled}};
 
-  void Start() {
-    platform.SetMousePointer(vbHourglass);
-    f.Command5Enabled = f.Command2Enabled = false;
-  }
-  void Restore() {
-    platform.SetMousePointer(vbDefault);
-    f.Command5Enabled = f.Command2Enabled = true;
-  }
   bool Refuse(const std::string& notice) {
-    Restore();
+    scope.End();
     platform.MsgBox(notice, vbOKOnly);
     return false;
   }
@@ -61,7 +55,7 @@ struct Busy {
     if (!listed) return kNotListed;
     platform.SetMousePointer(vbDefault);
     if (platform.MsgBox(prompt, vbExclamationYesNo, kPromptTitle) != vbYes) {
-      f.Command5Enabled = f.Command2Enabled = true;
+      scope.End();
       return kNo;
     }
     platform.SetMousePointer(vbHourglass);
@@ -121,7 +115,6 @@ SavePlaces cmdsave_Click(SaveFields& f, const Module1& m, SettingsStore& store) 
 
 bool Command5_Click(SaveFields& f, Module1& m, Platform& platform, SettingsStore& store) {
   Busy busy{f, platform};
-  busy.Start();
   std::string objectPath = JoinPath(f.Dir2, f.Text5);
 
   if (f.Text7.empty()) return busy.Refuse("FirstAddress Error!");
@@ -217,7 +210,7 @@ bool Command5_Click(SaveFields& f, Module1& m, Platform& platform, SettingsStore
   notice += " File Save Complete!";
 
   if (m.FileError == 0) platform.MsgBox(notice, vbOKOnly);
-  busy.Restore();
+  busy.scope.End();
   if (m.FileError == -1) {
     m.FileError = 0;
     return false;
