@@ -6,6 +6,8 @@
 #include <QKeyEvent>
 #include <QStorageInfo>
 #include <QStyle>
+#include <QStylePainter>
+#include <QStyledItemDelegate>
 #include <algorithm>
 
 namespace kestrum::forms {
@@ -13,6 +15,26 @@ namespace kestrum::forms {
 namespace {
 
 constexpr int kPathRole = Qt::UserRole;
+constexpr int kDepthRole = Qt::UserRole + 1;
+
+// Draws a folder in from the left by its depth; its text is the bare name,
+// so that typing its first letters finds it.
+class IndentDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    option->rect.setLeft(option->rect.left() + Indent(index));
+  }
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(Indent(index), 0);
+  }
+
+ private:
+  static int Indent(const QModelIndex& index) { return index.data(kDepthRole).toInt() * 10; }
+};
 
 #ifdef Q_OS_WIN
 constexpr Qt::CaseSensitivity kPathCase = Qt::CaseInsensitive;
@@ -80,6 +102,7 @@ DriveListBox::DriveListBox(QWidget* parent) : QComboBox(parent) {
   if (current >= 0) setCurrentIndex(current);
   shown_ = currentIndex();
   connect(this, &QComboBox::currentIndexChanged, this, [this](int index) {
+    setToolTip(Drive());
     if (index < 0 || index == shown_) return;
     shown_ = index;
     emit Change(Drive());
@@ -104,6 +127,27 @@ bool DriveListBox::SetDrive(const QString& drive) {
   return true;
 }
 
+void DriveListBox::FollowPath(const QString& path) {
+  QStringList roots;
+  for (int i = 0; i < count(); ++i) roots << itemText(i);
+  const int index = IndexOf(DriveOfPath(path, roots));
+  if (index < 0 || index == currentIndex()) return;
+  shown_ = index;  // no Change: the folder is already there
+  setCurrentIndex(index);
+}
+
+void DriveListBox::paintEvent(QPaintEvent*) {
+  QStylePainter painter(this);
+  QStyleOptionComboBox option;
+  initStyleOption(&option);
+  painter.drawComplexControl(QStyle::CC_ComboBox, option);
+  const QRect field =
+      style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+  const int room = field.width() - (option.currentIcon.isNull() ? 0 : option.iconSize.width() + 4);
+  option.currentText = fontMetrics().elidedText(option.currentText, Qt::ElideMiddle, room);
+  painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
 void DriveListBox::Refresh() {
   const QString picked = Drive();
   const QSignalBlocker quiet(this);
@@ -119,7 +163,13 @@ void DriveListBox::Refresh() {
 
 DirListBox::DirListBox(QWidget* parent) : QListWidget(parent) {
   setSelectionMode(QAbstractItemView::SingleSelection);
+  setItemDelegate(new IndentDelegate(this));
+  setToolTip(QStringLiteral("Type a folder's first letters to find it, Ctrl+L to type a path"));
   connect(this, &QListWidget::itemActivated, this, &DirListBox::Open);
+  // A click on empty space leaves the folder highlighted.
+  connect(this, &QListWidget::itemSelectionChanged, this, [this] {
+    if (selectedItems().isEmpty() && item(pathRow_)) setCurrentRow(pathRow_);
+  });
   if (!SetPath(QDir::currentPath())) SetPath(QDir::homePath());
 }
 
@@ -144,16 +194,17 @@ void DirListBox::Refresh() {
   const QIcon open = style()->standardIcon(QStyle::SP_DirOpenIcon);
   const QIcon closed = style()->standardIcon(QStyle::SP_DirClosedIcon);
   auto add = [this](const QIcon& icon, int depth, const QString& caption, const QString& full) {
-    auto* item = new QListWidgetItem(icon, QString(depth * 2, QLatin1Char(' ')) + caption, this);
+    auto* item = new QListWidgetItem(icon, caption, this);
     item->setData(kPathRole, full);
+    item->setData(kDepthRole, depth);
     return item;
   };
   for (int depth = 0; depth < chain.size(); ++depth) {
     const QString& full = chain[depth];
-    const QString caption = depth == 0 ? full : QFileInfo(full).fileName();
-    QListWidgetItem* item = add(open, depth, caption, full);
-    if (depth + 1 == chain.size()) setCurrentItem(item);
+    add(open, depth, depth == 0 ? full : QFileInfo(full).fileName(), full);
   }
+  pathRow_ = static_cast<int>(chain.size()) - 1;
+  setCurrentRow(pathRow_);
   const QDir dir(path_);
   const QStringList children =
       dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase | QDir::LocaleAware);
@@ -166,12 +217,57 @@ void DirListBox::keyPressEvent(QKeyEvent* event) {
     event->accept();
     return;
   }
+  if (event->key() == Qt::Key_L && event->modifiers() == Qt::ControlModifier) {
+    TypePath(path_);
+    return;
+  }
+  if (event->text() == QDir::separator() || event->text() == QStringLiteral("/")) {
+    TypePath(event->text());
+    return;
+  }
   QListWidget::keyPressEvent(event);
+}
+
+void DirListBox::TypePath(const QString& start) {
+  if (!pathBox_) {
+    pathBox_ = new QLineEdit(this);
+    pathBox_->setObjectName(QStringLiteral("PathBox"));
+    pathBox_->installEventFilter(this);
+  }
+  pathBox_->setGeometry(frameWidth(), frameWidth(), viewport()->width(), pathBox_->sizeHint().height());
+  pathBox_->setText(start);
+  pathBox_->show();
+  pathBox_->setFocus();
+}
+
+bool DirListBox::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != pathBox_) return false;
+  if (event->type() == QEvent::FocusOut) {
+    pathBox_->hide();
+    return false;
+  }
+  if (event->type() != QEvent::KeyPress) return false;
+  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (key == Qt::Key_Escape ||
+      ((key == Qt::Key_Return || key == Qt::Key_Enter) && SetPath(pathBox_->text()))) {
+    setFocus();  // hides the box
+    return true;
+  }
+  if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+    QApplication::beep();  // no folder that can be entered: the box stays
+    return true;
+  }
+  return false;
 }
 
 void DirListBox::Open(QListWidgetItem* item) {
   if (!item) return;
-  if (!SetPath(item->data(kPathRole).toString())) QApplication::beep();
+  if (SetPath(item->data(kPathRole).toString())) return;
+  // A folder that can't be entered: the highlight goes back to the open
+  // one, once the click that asked for it is over.
+  QApplication::beep();
+  QMetaObject::invokeMethod(
+      this, [this] { setCurrentRow(pathRow_); }, Qt::QueuedConnection);
 }
 
 // ---- FileListBox ----

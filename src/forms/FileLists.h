@@ -4,6 +4,7 @@
 // home folder and the mounted volumes of real devices elsewhere. Paths are
 // absolute, in the platform's separators, and only a root ends with one.
 #include <QComboBox>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QString>
 #include <QStringList>
@@ -35,18 +36,27 @@ class DriveListBox : public QComboBox {
   bool SetDrive(const QString& drive);
   // Reads the roots again, keeping the pick where it still exists.
   void Refresh();
+  // Shows the drive that holds path, without raising Change: the drive
+  // follows the folder list.
+  void FollowPath(const QString& path);
 
  signals:
   // The pick changed, by the user or by SetDrive.
   void Change(const QString& drive);
 
  private:
+  // A drive too long for the box shows with its middle left out.
+  void paintEvent(QPaintEvent* event) override;
+
   int IndexOf(const QString& drive) const;
   int shown_ = -1;
 };
 
 // DirListBox: the chain of folders from the root down to Path, then the
-// folders inside Path. Double click or Enter opens the folder.
+// folders inside Path, indented by depth. Double click or Enter opens the
+// folder; typing finds a folder by its first letters; Ctrl+L or a typed
+// separator opens a box to type a path in. The folder of Path stays
+// highlighted unless the user picks another.
 class DirListBox : public QListWidget {
   Q_OBJECT
  public:
@@ -66,10 +76,15 @@ class DirListBox : public QListWidget {
   // Enter opens the folder and goes no further: it is not the dialog's
   // default button.
   void keyPressEvent(QKeyEvent* event) override;
+  // Enter and Esc in the path box.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void Open(QListWidgetItem* item);
+  void TypePath(const QString& start);
   QString path_;
+  int pathRow_ = -1;
+  QLineEdit* pathBox_ = nullptr;
 };
 
 // FileListBox: the names of the visible files of a folder.

@@ -3,11 +3,14 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QEvent>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
+#include <QPalette>
+#include <QScreen>
 #include <QStringList>
 #include <QStyle>
-#include <QStyleOptionGroupBox>
 #include <algorithm>
 
 namespace kestrum::forms {
@@ -23,12 +26,75 @@ QWidget* MakeLabel(QWidget* parent, const char* name, const QString& caption, in
   return label;
 }
 
+namespace {
+
+// A frame drawn as designed: an etched line whose top runs through the
+// middle of the blue caption.
+class Frame : public QGroupBox {
+ public:
+  using QGroupBox::QGroupBox;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    const QRect caption = FrameCaptionRect(this);
+    const QRect line(0, FrameInnerTop(this) - 2, width() - 1, height() - FrameInnerTop(this) + 1);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(line.adjusted(0, 0, -1, -1));
+    painter.setPen(palette().color(QPalette::Light));
+    painter.drawRect(line.adjusted(1, 1, 0, 0));
+    painter.fillRect(caption, palette().window());
+    painter.setPen(Qt::blue);
+    painter.drawText(caption, Qt::AlignCenter, title());
+  }
+};
+
+}  // namespace
+
 QGroupBox* MakeFrame(QWidget* parent, const char* name, const QString& caption, QRect place) {
-  auto* frame = new QGroupBox(caption, parent);
+  auto* frame = new Frame(caption, parent);
   frame->setObjectName(QString::fromLatin1(name));
   frame->setGeometry(place);
-  frame->setStyleSheet(QStringLiteral("QGroupBox#%1::title { color: blue; }").arg(QString::fromLatin1(name)));
   return frame;
+}
+
+QFont FormFont() {
+  QFont font;
+  font.setFamilies({QStringLiteral("Liberation Sans"), QStringLiteral("Arial"), QStringLiteral("Arimo"),
+                    QStringLiteral("Nimbus Sans"), QStringLiteral("DejaVu Sans")});
+  font.setStyleHint(QFont::SansSerif, QFont::ForceOutline);
+  font.setPointSizeF(8);
+  return font;
+}
+
+void SetUpForm(QWidget* form, const char* name, const QString& caption, int widthTwips, int heightTwips) {
+  form->setObjectName(QString::fromLatin1(name));
+  form->setWindowTitle(caption);
+  // A fixed border: no minimize and no maximize button, no resizing.
+  const Qt::WindowFlags kind = qobject_cast<QDialog*>(form) ? Qt::Dialog : Qt::Window;
+  form->setWindowFlags(kind | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                       Qt::WindowCloseButtonHint | Qt::MSWindowsFixedSizeDialogHint);
+  form->setFont(FormFont());
+  form->setFixedSize(Px(widthTwips), Px(heightTwips));
+  // A disabled text box holds what the user came for (a sum, the area, the
+  // picked file): dark text on the form's grey instead of the white of a
+  // field that takes typing.
+  QPalette palette = form->palette();
+  palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x30, 0x30, 0x30));
+  palette.setColor(QPalette::Disabled, QPalette::Base, palette.color(QPalette::Active, QPalette::Window));
+  form->setPalette(palette);
+}
+
+void CentreOn(QWidget* window, const QRect& area) {
+  if (area.isEmpty()) return;
+  QRect place = window->frameGeometry();
+  place.moveCenter(area.center());
+  window->move(place.topLeft());
+}
+
+QRect ScreenArea(const QWidget* owner) {
+  const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen();
+  return screen ? screen->availableGeometry() : QRect();
 }
 
 QFont MonoFont(double points) {
@@ -53,14 +119,11 @@ bool SameRow(const QRect& a, const QRect& b) { return a.top() <= b.bottom() && b
 }  // namespace
 
 QRect FrameCaptionRect(const QGroupBox* frame) {
-  QStyleOptionGroupBox option;
-  option.initFrom(frame);
-  option.text = frame->title();
-  option.textAlignment = frame->alignment();
-  option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
-  option.lineWidth = 1;
-  return frame->style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, frame);
+  const QFontMetrics metrics(frame->font());
+  return QRect(6, 0, metrics.horizontalAdvance(frame->title()) + 4, metrics.height());
 }
+
+int FrameInnerTop(const QGroupBox* frame) { return QFontMetrics(frame->font()).height() / 2 + 2; }
 
 int FitCaptions(QWidget* form) {
   int lacking = 0;
@@ -131,16 +194,19 @@ void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel) {
   cancel->setToolTip(QStringLiteral("%1 (Esc)").arg(cancel->text()));
 }
 
+void ShowNameWhole(QLineEdit* box) {
+  QObject::connect(box, &QLineEdit::textChanged, box, [box](const QString& text) {
+    box->setToolTip(text);
+    box->setCursorPosition(0);
+  });
+}
+
 QIcon AppIcon() {
   QIcon icon;
   for (int size : {16, 32, 48, 256}) {
     icon.addFile(QStringLiteral(":/kestrum/kestrum-%1.png").arg(size), QSize(size, size));
   }
   return icon;
-}
-
-void SetClientSize(QWidget* form, int widthTwips, int heightTwips) {
-  form->setFixedSize(Px(widthTwips), Px(heightTwips));
 }
 
 namespace {

@@ -2,6 +2,7 @@
 // What every form shares: the context it works in, design sizes in twips,
 // fonts, and the key filters hooked to text boxes.
 #include <QComboBox>
+#include <QDialog>
 #include <QFont>
 #include <QGroupBox>
 #include <QIcon>
@@ -11,6 +12,7 @@
 #include <QRect>
 #include <QString>
 #include <QWidget>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -34,6 +36,43 @@ inline QRect Twips(int left, int top, int width, int height) {
   return QRect(Px(left), Px(top), Px(width), Px(height));
 }
 
+// The platform as a form hands it to a handler of the core: when a busy
+// scope begins or ends, show first copies the core's fields to the form's
+// widgets, then the platform paints them, before the work goes on.
+class FormPlatform : public Platform {
+ public:
+  FormPlatform(Platform& platform, std::function<void()> show)
+      : platform_(platform), show_(std::move(show)) {}
+  int MsgBox(const std::string& text, int style, const std::string& title) override {
+    return platform_.MsgBox(text, style, title);
+  }
+  void SetMousePointer(int pointer) override { platform_.SetMousePointer(pointer); }
+  void BusyChanged() override {
+    show_();
+    platform_.BusyChanged();
+  }
+
+ private:
+  Platform& platform_;
+  std::function<void()> show_;
+};
+
+// The font of the forms' captions, buttons and boxes: a sans serif outline
+// font at 8 pt, of the metrics the design sizes were made for.
+QFont FormFont();
+
+// What every form shares: object name, caption, font, a client area of the
+// design's twips that can't be resized, disabled text boxes that stay
+// readable. A dialog gets a fixed border with only a close button.
+void SetUpForm(QWidget* form, const char* name, const QString& caption, int widthTwips, int heightTwips);
+
+// Moves window so that it stands centred on area (its frame where the
+// window manager has drawn one).
+void CentreOn(QWidget* window, const QRect& area);
+
+// The part of the screen a window of owner may take.
+QRect ScreenArea(const QWidget* owner);
+
 // A child widget with the given object name, placed by its design size.
 template <typename W, typename... Args>
 W* MakeChild(QWidget* parent, const char* name, QRect place, Args&&... args) {
@@ -47,7 +86,8 @@ W* MakeChild(QWidget* parent, const char* name, QRect place, Args&&... args) {
 QWidget* MakeLabel(QWidget* parent, const char* name, const QString& caption, int left, int top,
                    int width = 0, int height = 0);
 
-// A frame with a blue caption.
+// A frame with a blue caption drawn on its top line, so that its inside
+// begins half a caption below its top, as the design places its contents.
 QGroupBox* MakeFrame(QWidget* parent, const char* name, const QString& caption, QRect place);
 
 // The monospaced font of address fields and the dump: "Courier New" at
@@ -75,11 +115,13 @@ void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel);
 // The program's icon, from the resources.
 QIcon AppIcon();
 
-// Where the style draws a frame's caption, in the frame.
+// Where a frame of MakeFrame draws its caption, in the frame, and the top
+// of its inside, below its line.
 QRect FrameCaptionRect(const QGroupBox* frame);
+int FrameInnerTop(const QGroupBox* frame);
 
-// A dialog's client area in design twips, not resizable.
-void SetClientSize(QWidget* form, int widthTwips, int heightTwips);
+// A box that shows a name: from its start, and whole in its tool tip.
+void ShowNameWhole(QLineEdit* box);
 
 using KeyFilter = int (*)(std::string_view fieldText, int keyCode);
 

@@ -1,16 +1,37 @@
 #include "forms/QtSeams.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QFileInfo>
 #include <QSettings>
+#include <QSpacerItem>
 #include <QStandardPaths>
 
 namespace kestrum::forms {
 
+QString Wrappable(const QString& text) {
+  constexpr qsizetype kLongRun = 40;
+  constexpr QChar kMayBreak(0x200B);  // zero-width space
+  QString shown;
+  qsizetype at = 0;
+  while (at < text.size()) {
+    qsizetype end = at;
+    while (end < text.size() && !text.at(end).isSpace()) ++end;
+    const bool longRun = end - at > kLongRun;
+    for (; at < end; ++at) {
+      shown += text.at(at);
+      if (longRun && at + 1 < end) shown += kMayBreak;
+    }
+    for (; at < text.size() && text.at(at).isSpace(); ++at) shown += text.at(at);
+  }
+  return shown;
+}
+
 int QtPlatform::MsgBox(const std::string& text, int style, const std::string& title) {
   QMessageBox box(QApplication::activeWindow());
-  box.setText(QString::fromStdString(text));
+  box.setTextFormat(Qt::PlainText);
+  box.setText(Wrappable(QString::fromStdString(text)));
   box.setWindowTitle(title.empty() ? QStringLiteral("Kestrum") : QString::fromStdString(title));
   if (style == vbQuestionYesNo || style == vbExclamationYesNo) {
     box.setIcon(style == vbQuestionYesNo ? QMessageBox::Question : QMessageBox::Warning);
@@ -20,6 +41,15 @@ int QtPlatform::MsgBox(const std::string& text, int style, const std::string& ti
   } else {
     box.setIcon(QMessageBox::NoIcon);
     box.setStandardButtons(QMessageBox::Ok);
+  }
+  // Wide enough for the window manager to show the title whole beside its
+  // icon and buttons.
+  QFont titleFont = box.font();
+  titleFont.setBold(true);
+  if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+    const int room = QFontMetrics(titleFont).horizontalAdvance(box.windowTitle()) + 200;
+    grid->addItem(new QSpacerItem(room, 0, QSizePolicy::Fixed, QSizePolicy::Minimum), grid->rowCount(), 0, 1,
+                  grid->columnCount());
   }
   // The hourglass is not meant for the message itself.
   const bool busy = overridden_;
@@ -39,6 +69,12 @@ void QtPlatform::SetMousePointer(int pointer) {
     QApplication::restoreOverrideCursor();
     overridden_ = false;
   }
+}
+
+void QtPlatform::BusyChanged() {
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  for (QWidget* window : QApplication::topLevelWidgets())
+    if (window->isVisible()) window->repaint();
 }
 
 namespace {

@@ -7,10 +7,17 @@
 
 namespace kestrum::forms {
 
+// The text of a message as its box shows it: a run of more than 40
+// characters without a blank (a long file name) may break after any of
+// them, so that it wraps whole instead of running out of the box.
+QString Wrappable(const QString& text);
+
 class QtPlatform : public Platform {
  public:
   int MsgBox(const std::string& text, int style, const std::string& title) override;
   void SetMousePointer(int pointer) override;
+  // Paints every window now: the work that follows holds the event loop.
+  void BusyChanged() override;
 
  private:
   bool overridden_ = false;

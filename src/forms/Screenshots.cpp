@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QPixmap>
+#include <QPushButton>
 #include <QTextStream>
 #include <QWindow>
 #include <functional>
@@ -91,11 +92,19 @@ int SaveScreenshots(const QString& dir, const QString& objectFile) {
     main.ShowFields();
   }
   failures += Save(&main, dir);
-  // Each dialog opens over the main window, one at a time, as from its button.
+  // Each dialog opens over the main window, one at a time, as from its
+  // button; SUM shows the sums of the whole area.
   const std::function<QWidget*()> dialogs[] = {
-      [&] { return new frmload(ctx, &main); },  [&] { return new frmsave(ctx, &main); },
-      [&] { return new frmstore(ctx, &main); }, [&] { return new frmsum(ctx, &main); },
-      [&] { return new frmbufaddr(ctx, &main); }, [&] { return new frmversion(&main); },
+      [&] { return new frmload(ctx, &main); },
+      [&] { return new frmsave(ctx, &main); },
+      [&] { return new frmstore(ctx, &main); },
+      [&] {
+        auto* sum = new frmsum(ctx, &main);
+        if (auto* calculate = sum->findChild<QPushButton*>(QStringLiteral("Command1"))) calculate->click();
+        return sum;
+      },
+      [&] { return new frmbufaddr(ctx, &main); },
+      [&] { return new frmversion(&main); },
   };
   for (const auto& make : dialogs) {
     QWidget* dialog = make();

@@ -8,11 +8,7 @@
 namespace kestrum::forms {
 
 frmbufaddr::frmbufaddr(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
-  setObjectName(QStringLiteral("frmbufaddr"));
-  setWindowTitle(QStringLiteral("Set Buffer Address"));
-  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
-                 Qt::WindowCloseButtonHint);
-  SetClientSize(this, 3930, 2130);
+  SetUpForm(this, "frmbufaddr", QStringLiteral("Set Buffer Address"), 3930, 2130);
 
   Text1_ = MakeChild<QLineEdit>(this, "Text1", Twips(1785, 390, 1005, 285));
   Text2_ = MakeChild<QLineEdit>(this, "Text2", Twips(1785, 915, 1005, 285));
@@ -40,11 +36,15 @@ void frmbufaddr::Cmdok_Click() {
   BufAddrFields f;
   f.Text1 = S(Text1_->text());
   f.Text2 = S(Text2_->text());
-  const bool close = kestrum::Cmdok_Click(f, ctx_.m, ctx_.platform, ctx_.store);
-  Text1_->setText(Q(f.Text1));
-  Text2_->setText(Q(f.Text2));
-  Cmdok_->setEnabled(f.CmdokEnabled);
-  Command1_->setEnabled(f.Command1Enabled);
+  const auto show = [&] {
+    Text1_->setText(Q(f.Text1));
+    Text2_->setText(Q(f.Text2));
+    Cmdok_->setEnabled(f.CmdokEnabled);
+    Command1_->setEnabled(f.Command1Enabled);
+  };
+  FormPlatform platform(ctx_.platform, show);
+  const bool close = kestrum::Cmdok_Click(f, ctx_.m, platform, ctx_.store);
+  show();
   if (close) accept();
 }
 

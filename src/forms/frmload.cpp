@@ -1,10 +1,8 @@
 #include "forms/frmload.h"
 
 #include <QCheckBox>
-#include <QGuiApplication>
-#include <QPushButton>
 #include <QFileInfo>
-#include <QScreen>
+#include <QPushButton>
 
 #include "forms/Dialogs.h"
 #include "forms/FileLists.h"
@@ -13,16 +11,13 @@
 namespace kestrum::forms {
 
 frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
-  setObjectName(QStringLiteral("frmload"));
-  setWindowTitle(QStringLiteral("File Load"));
-  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
-                 Qt::WindowCloseButtonHint);
-  SetClientSize(this, 5565, 4725);
+  SetUpForm(this, "frmload", QStringLiteral("File Load"), 5565, 4725);
 
   Dir1_ = MakeChild<DirListBox>(this, "Dir1", Twips(300, 795, 1950, 1455));
   File1_ = MakeChild<FileListBox>(this, "File1", Twips(2385, 390, 2505, 1905));
   Text1_ = MakeChild<QLineEdit>(this, "Text1", Twips(1545, 2550, 3135, 285));
   Text1_->setEnabled(false);
+  ShowNameWhole(Text1_);
   Text4_ = MakeChild<QLineEdit>(this, "Text4", Twips(2280, 3045, 1005, 285));
   Text3_ = MakeChild<QLineEdit>(this, "Text3", Twips(2280, 3510, 1005, 315));
   Check1_ = MakeChild<QCheckBox>(this, "Check1", Twips(705, 4005, 1455, 360), QStringLiteral("OffsetAddress"));
@@ -47,6 +42,7 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
 
   File1_->SetPath(Dir1_->Path());
   connect(Dir1_, &DirListBox::Change, File1_, &FileListBox::SetPath);
+  connect(Dir1_, &DirListBox::Change, Drive1_, &DriveListBox::FollowPath);
   connect(Drive1_, &DriveListBox::Change, this, &frmload::Drive1_Change);
   connect(File1_, &FileListBox::Click, Text1_, &QLineEdit::setText);
   connect(Check1_, &QCheckBox::clicked, this, &frmload::Check1_Click);
@@ -106,7 +102,8 @@ void frmload::ShowFields(const LoadFields& f) {
 
 void frmload::Command1_Click() {
   LoadFields f = Fields();
-  const bool close = kestrum::Command1_Click(f, ctx_.m, ctx_.platform, ctx_.store);
+  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
+  const bool close = kestrum::Command1_Click(f, ctx_.m, platform, ctx_.store);
   ShowFields(f);
   if (close) accept();
 }
@@ -114,11 +111,7 @@ void frmload::Command1_Click() {
 void ShowFrmLoad(AppContext& ctx, QWidget* owner, const QString& picked) {
   frmload dialog(ctx, owner);
   if (!picked.isEmpty()) dialog.PickFile(picked);
-  if (const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen()) {
-    QRect place = dialog.frameGeometry();
-    place.moveCenter(screen->availableGeometry().center());
-    dialog.move(place.topLeft());
-  }
+  CentreOn(&dialog, ScreenArea(owner));
   dialog.exec();
 }
 

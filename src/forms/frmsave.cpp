@@ -2,9 +2,7 @@
 
 #include <QComboBox>
 #include <QFrame>
-#include <QGuiApplication>
 #include <QPushButton>
-#include <QScreen>
 
 #include "forms/Dialogs.h"
 #include "forms/FileLists.h"
@@ -30,11 +28,7 @@ void ShowListText(QComboBox* combo, const std::string& text) {
 }  // namespace
 
 frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
-  setObjectName(QStringLiteral("frmsave"));
-  setWindowTitle(QStringLiteral("File Save"));
-  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
-                 Qt::WindowCloseButtonHint);
-  SetClientSize(this, 9975, 3690);
+  SetUpForm(this, "frmsave", QStringLiteral("File Save"), 9975, 3690);
 
   auto* frame1 = MakeFrame(this, "Frame1", QStringLiteral("File Name"), Twips(180, 120, 6495, 3315));
   Drive2_ = MakeChild<DriveListBox>(frame1, "Drive2", Twips(300, 330, 2250, 285));
@@ -81,6 +75,7 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
 
   File2_->SetPath(Dir2_->Path());
   connect(Dir2_, &DirListBox::Change, File2_, &FileListBox::SetPath);
+  connect(Dir2_, &DirListBox::Change, Drive2_, &DriveListBox::FollowPath);
   connect(Drive2_, &DriveListBox::Change, this, &frmsave::Drive2_Change);
   connect(File2_, &FileListBox::Click, Text5_, &QLineEdit::setText);
   connect(Combo1_, &QComboBox::activated, this, &frmsave::Combo1_Click);
@@ -153,21 +148,16 @@ void frmsave::ShowFields(const SaveFields& f) {
 
 void frmsave::Command5_Click() {
   SaveFields f = Fields();
-  // The buttons stay disabled while prompts and notices of the save are up.
-  Command5_->setEnabled(false);
-  Command2_->setEnabled(false);
-  const bool close = kestrum::Command5_Click(f, ctx_.m, ctx_.platform, ctx_.store);
+  // The buttons show disabled while the save runs and its prompts are up.
+  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
+  const bool close = kestrum::Command5_Click(f, ctx_.m, platform, ctx_.store);
   ShowFields(f);
   if (close) accept();
 }
 
 void ShowFrmSave(AppContext& ctx, QWidget* owner) {
   frmsave dialog(ctx, owner);
-  if (const QScreen* screen = owner ? owner->screen() : QGuiApplication::primaryScreen()) {
-    QRect place = dialog.frameGeometry();
-    place.moveCenter(screen->availableGeometry().center());
-    dialog.move(place.topLeft());
-  }
+  CentreOn(&dialog, ScreenArea(owner));
   dialog.exec();
 }
 

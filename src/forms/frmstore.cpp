@@ -8,11 +8,7 @@
 namespace kestrum::forms {
 
 frmstore::frmstore(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
-  setObjectName(QStringLiteral("frmstore"));
-  setWindowTitle(QStringLiteral("Block Store"));
-  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
-                 Qt::WindowCloseButtonHint);
-  SetClientSize(this, 3645, 2850);
+  SetUpForm(this, "frmstore", QStringLiteral("Block Store"), 3645, 2850);
 
   MakeLabel(this, "Label2", QStringLiteral("FirstAddress"), 585, 330);
   Text1_ = MakeChild<QLineEdit>(this, "Text1", Twips(1725, 345, 1005, 285));
@@ -63,13 +59,15 @@ void frmstore::ShowFields(const StoreFields& f) {
 
 void frmstore::Command2_Click() {
   StoreFields f = Fields();
-  const bool close = kestrum::Command2_Click(f, ctx_.m, ctx_.platform, ctx_.store);
+  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
+  const bool close = kestrum::Command2_Click(f, ctx_.m, platform, ctx_.store);
   ShowFields(f);
   if (close) accept();
 }
 
 void ShowFrmStore(AppContext& ctx, QWidget* owner) {
   frmstore dialog(ctx, owner);
+  CentreOn(&dialog, owner ? owner->frameGeometry() : ScreenArea(nullptr));
   dialog.exec();
 }
 

@@ -9,11 +9,7 @@
 namespace kestrum::forms {
 
 frmsum::frmsum(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
-  setObjectName(QStringLiteral("frmsum"));
-  setWindowTitle(QStringLiteral("SUM "));
-  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
-                 Qt::WindowCloseButtonHint);
-  SetClientSize(this, 6120, 3495);
+  SetUpForm(this, "frmsum", QStringLiteral("SUM "), 6120, 3495);
 
   auto* frame1 = MakeFrame(this, "Frame1", QStringLiteral("Address Set up"), Twips(225, 555, 2520, 1635));
   MakeLabel(frame1, "Label7", QStringLiteral("FirstAddress"), 135, 450);
@@ -86,7 +82,8 @@ void frmsum::ShowFields(const SumFields& f) {
 
 void frmsum::Command1_Click() {
   SumFields f = Fields();
-  kestrum::Command1_Click(f, ctx_.m, ctx_.platform);
+  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
+  kestrum::Command1_Click(f, ctx_.m, platform);
   ShowFields(f);
 }
 
@@ -97,6 +94,7 @@ void frmsum::Command2_Click() {
 
 void ShowFrmSum(AppContext& ctx, QWidget* owner) {
   frmsum dialog(ctx, owner);
+  CentreOn(&dialog, owner ? owner->frameGeometry() : ScreenArea(nullptr));
   dialog.exec();
 }
 

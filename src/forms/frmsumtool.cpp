@@ -38,9 +38,7 @@ QLineEdit* MakeAddressBox(QWidget* parent, const char* name, QRect place) {
 }  // namespace
 
 frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), ctx_(ctx) {
-  setObjectName(QStringLiteral("frmsumtool"));
-  setWindowTitle(QStringLiteral("Kestrum"));
-
+  SetUpForm(this, "frmsumtool", QStringLiteral("Kestrum"), 8250, 3930);
   auto* client = new QWidget(this);
   client->setObjectName(QStringLiteral("client"));
   client->setFixedSize(Px(8250), Px(3930));
@@ -52,7 +50,13 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   MakeLabel(frame1, "Label8", QStringLiteral("Current File (Func F4)"), 630, 1275, 1515, 195);
   Text1_ = MakeChild<QLineEdit>(frame1, "Text1", Twips(255, 1530, 2160, 360));
   Text1_->setEnabled(false);
-  Text1_->setStyleSheet(QStringLiteral("QLineEdit#Text1 { background: cyan; color: black; }"));
+  QPalette cyan = Text1_->palette();
+  for (auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+    cyan.setColor(group, QPalette::Base, Qt::cyan);
+    cyan.setColor(group, QPalette::Text, Qt::black);
+  }
+  Text1_->setPalette(cyan);
+  ShowNameWhole(Text1_);
 
   auto* frame2 = MakeFrame(client, "Frame2", QStringLiteral("Buffer Operation"), Twips(3075, 210, 4890, 960));
   cmdbufclear_ = MakeChild<QPushButton>(frame2, "cmdbufclear", Twips(255, 300, 1125, 450), QStringLiteral("Buffer Clear"));
@@ -60,8 +64,8 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   cmdbufsum_ = MakeChild<QPushButton>(frame2, "cmdbufsum", Twips(3360, 300, 1125, 450), QStringLiteral("Buffer SUM"));
 
   auto* frame3 = MakeFrame(client, "Frame3", QStringLiteral("Buffer Dump"), Twips(3060, 1170, 4905, 2445));
-  auto* cmdedit = MakeChild<QPushButton>(frame3, "cmdedit", Twips(360, 285, 705, 375), QStringLiteral("Dump"));
-  cmdedit->setAutoDefault(false);
+  auto* cmdedit =
+      MakeChild<QPushButton>(frame3, "cmdedit", Twips(360, 285, 705, 375), QStringLiteral("Dump"));
   MakeLabel(frame3, "Label1", QStringLiteral("Address"), 1305, 375, 570, 195);
   txteditaddr_ = MakeAddressBox(frame3, "txteditaddr", Twips(2010, 330, 1005, 315));
   HookKeyFilter(txteditaddr_, FilterAddressKey);
@@ -85,6 +89,8 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   MakeLabel(frame4, "Label3", QStringLiteral("First  Address"), 120, 310, 1035, 210);
   MakeLabel(frame4, "Label4", QStringLiteral("Last  Address"), 120, 670, 1035, 210);
 
+  // Enter presses the focused button, as Space does.
+  for (auto* button : client->findChildren<QPushButton*>()) button->setAutoDefault(true);
   cmdload_->setToolTip(QStringLiteral("File Load (Alt+F, Load)"));
   cmdsave_->setToolTip(QStringLiteral("File Save (Alt+F, Save)"));
   FitCaptions(client);
@@ -113,35 +119,41 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   auto* mnuversion = mnuhelp->addAction(QStringLiteral("Version"));
   mnuversion->setObjectName(QStringLiteral("mnuversion"));
 
-  auto load = [this] { Run([this] { ShowFrmLoad(ctx_, this); }); };
-  auto save = [this] { Run([this] { ShowFrmSave(ctx_, this); }); };
+  auto load = [this] { Run([this](Platform&) { ShowFrmLoad(ctx_, this); }); };
+  auto save = [this] { Run([this](Platform&) { ShowFrmSave(ctx_, this); }); };
   connect(cmdload_, &QPushButton::clicked, this, load);
   connect(mnuload, &QAction::triggered, this, load);
   connect(cmdsave_, &QPushButton::clicked, this, save);
   connect(mnusave, &QAction::triggered, this, save);
-  connect(cmdblstore_, &QPushButton::clicked, this, [this] { Run([this] { ShowFrmStore(ctx_, this); }); });
-  connect(cmdbufsum_, &QPushButton::clicked, this, [this] { Run([this] { ShowFrmSum(ctx_, this); }); });
-  connect(cmdbufclear_, &QPushButton::clicked, this, [this] {
-    Run([this] { cmdbufclear_Click(ctx_.m, ctx_.platform); });
-  });
-  connect(cmdedit, &QPushButton::clicked, this, [this] { Run([this] { cmdedit_Click(ctx_.m, ctx_.platform); }); });
+  connect(cmdblstore_, &QPushButton::clicked, this,
+          [this] { Run([this](Platform&) { ShowFrmStore(ctx_, this); }); });
+  connect(cmdbufsum_, &QPushButton::clicked, this,
+          [this] { Run([this](Platform&) { ShowFrmSum(ctx_, this); }); });
+  connect(cmdbufclear_, &QPushButton::clicked, this,
+          [this] { Run([this](Platform& p) { cmdbufclear_Click(ctx_.m, p); }); });
+  connect(cmdedit, &QPushButton::clicked, this,
+          [this] { Run([this](Platform& p) { cmdedit_Click(ctx_.m, p); }); });
   connect(cmdeditplus_, &QPushButton::clicked, this,
-          [this] { Run([this] { cmdeditplus_Click(ctx_.m, ctx_.platform); }); });
+          [this] { Run([this](Platform& p) { cmdeditplus_Click(ctx_.m, p); }); });
   connect(cmdeditminus_, &QPushButton::clicked, this,
-          [this] { Run([this] { cmdeditminus_Click(ctx_.m, ctx_.platform); }); });
-  connect(mnubufaddr, &QAction::triggered, this, [this] { Run([this] { ShowFrmBufAddr(ctx_, this); }); });
+          [this] { Run([this](Platform& p) { cmdeditminus_Click(ctx_.m, p); }); });
+  connect(mnubufaddr, &QAction::triggered, this,
+          [this] { Run([this](Platform&) { ShowFrmBufAddr(ctx_, this); }); });
   connect(mnuversion, &QAction::triggered, this, [this] { ShowFrmVersion(this); });
   connect(mnuexit, &QAction::triggered, this, &frmsumtool::Exit);
 
   started_ = Form_Load(ctx_.m, ctx_.store);
   ShowFields();
+  // The menu bar stands above the client area.
   setFixedSize(sizeHint());
+  CentreOn(this, ScreenArea(nullptr));
 }
 
 template <typename F>
 void frmsumtool::Run(F&& handler) {
   ctx_.m.frmsumtool.txteditaddr = S(txteditaddr_->text());
-  handler();
+  FormPlatform platform(ctx_.platform, [this] { ShowFields(); });
+  handler(platform);
   ShowFields();
 }
 
@@ -183,7 +195,8 @@ void frmsumtool::dropEvent(QDropEvent* event) {
   event->acceptProposedAction();
   // The drag ends first; the dialog runs modal after it.
   QMetaObject::invokeMethod(
-      this, [this, file] { Run([this, &file] { ShowFrmLoad(ctx_, this, file); }); }, Qt::QueuedConnection);
+      this, [this, file] { Run([this, &file](Platform&) { ShowFrmLoad(ctx_, this, file); }); },
+      Qt::QueuedConnection);
 }
 
 void frmsumtool::closeEvent(QCloseEvent* event) {

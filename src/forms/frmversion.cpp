@@ -7,11 +7,7 @@
 namespace kestrum::forms {
 
 frmversion::frmversion(QWidget* owner) : QDialog(owner) {
-  setObjectName(QStringLiteral("frmversion"));
-  setWindowTitle(QStringLiteral("Version"));
-  setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint |
-                 Qt::WindowCloseButtonHint);
-  SetClientSize(this, 3780, 2175);
+  SetUpForm(this, "frmversion", QStringLiteral("Version"), 3780, 2175);
   MakeLabel(this, "Label1", QStringLiteral("Kestrum"), 320, 285);
   MakeLabel(this, "Label4", QStringLiteral("Version " KESTRUM_VERSION), 2370, 285);
   auto* ok = MakeChild<QPushButton>(this, "OK_Button", Twips(1290, 1470, 1335, 375), QStringLiteral("OK"));
@@ -23,6 +19,7 @@ frmversion::frmversion(QWidget* owner) : QDialog(owner) {
 
 void ShowFrmVersion(QWidget* owner) {
   frmversion dialog(owner);
+  CentreOn(&dialog, ScreenArea(owner));
   dialog.exec();
 }
 

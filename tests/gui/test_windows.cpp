@@ -56,6 +56,57 @@ template <typename W = QWidget> W* Child(QWidget* parent, const char* name) {
 // Shows window and makes it the active one (Xvfb has no window manager to do it).
 bool ShowActive(QWidget* w) { w->show(); w->activateWindow(); return QTest::qWaitForWindowActive(w); }
 
+// What xprop says of a property of window (the root when 0), or empty when there is no X server.
+QString XProperty(WId window, const char* property) {
+  if (QGuiApplication::platformName() != QLatin1String("xcb")) return {};
+  QProcess xprop;
+  xprop.start("xprop", window ? QStringList{"-id", QString::number(window), property}
+                              : QStringList{"-root", property});
+  xprop.waitForFinished(5000);
+  return QString::fromLatin1(xprop.readAllStandardOutput());
+}
+
+// Where a window opens: the main window, File Load, File Save and Version centred on the screen, Block Store
+// and SUM on their owner; empty when it stands there, within 2 px (and within the frame a window manager
+// adds).
+QString OffCentre(const QWidget* w) {
+  const QString name = w->objectName();
+  const bool onScreen = QStringList{"frmsumtool", "frmload", "frmsave", "frmversion"}.contains(name);
+  if (!onScreen && name != "frmstore" && name != "frmsum") return {};
+  const QRect area =
+      onScreen ? w->screen()->availableGeometry() : w->parentWidget()->window()->frameGeometry();
+  const QPoint off = w->frameGeometry().center() - area.center();
+  const int slack = 2 + w->frameGeometry().height() - w->height();
+  return std::max(std::abs(off.x()), std::abs(off.y())) <= slack
+             ? QString()
+             : name + QString(" off by %1,%2").arg(off.x()).arg(off.y());
+}
+
+// WCAG's contrast of two colours, from 1 to 21.
+double Contrast(const QColor& a, const QColor& b) {
+  const auto luminance = [](const QColor& c) {
+    const auto linear = [](double v) {
+      return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF());
+  };
+  const double x = luminance(a), y = luminance(b);
+  return (std::max(x, y) + 0.05) / (std::min(x, y) + 0.05);
+}
+
+// The window's platform, checking at each change of the busy state that the screen already shows it: what the
+// window system holds of the window at work is what it draws now.
+struct CheckedPlatform : forms::QtPlatform {
+  void BusyChanged() override {
+    QtPlatform::BusyChanged();
+    QWidget* w = QApplication::activeModalWidget() ? QApplication::activeModalWidget() : main;
+    const auto pixels = [](const QPixmap& p) { return p.toImage().convertToFormat(QImage::Format_RGB32); };
+    (pixels(w->screen()->grabWindow(w->winId())) == pixels(w->grab()) ? painted : stale) << w->objectName();
+  }
+  QWidget* main = nullptr;
+  QStringList painted, stale;
+};
+
 // Presses key in window as a person does: into its focused control, from
 // which what the control leaves goes up to the window (Enter to the default
 // button, Esc to the dialog).
@@ -116,6 +167,8 @@ class ModalScript {
     ++busy_;
     Watch();
     if (!QTest::qWaitForWindowExposed(window)) QTest::qFail("a window never showed", __FILE__, __LINE__);
+    if (const QString off = OffCentre(window); !off.isEmpty())
+      QTest::qFail(qPrintable(off), __FILE__, __LINE__);
     step(window);
     if (window && window->isVisible()) {
       QTest::qFail(qPrintable("left open: " + window->windowTitle()), __FILE__, __LINE__);
@@ -272,11 +325,20 @@ class TestWindows : public QObject {
         QString faults = Clipped(c) + (c->parentWidget()->rect().contains(g) ? "" : " sticks out");
         const auto* frame = qobject_cast<const QGroupBox*>(c->parentWidget());
         if (frame && forms::FrameCaptionRect(frame).intersects(g)) faults += " covers a caption";
+        if (frame && g.top() < forms::FrameInnerTop(frame)) faults += " crosses the frame's top";
+        if (const auto* label = qobject_cast<const QLabel*>(c); label && label->wordWrap())
+          faults += " wraps";
         for (QWidget* other : controls)  // a sibling
           if (other != c && other->parentWidget() == c->parentWidget() && other->geometry().intersects(g))
             faults += " overlaps " + other->objectName();
         QVERIFY2(faults.isEmpty(), qPrintable(f.name + ("." + c->objectName()) + ": " + faults));
       }
+      // Labels that once left their design place (twips from the left) for want of room: within a pixel of
+      // it.
+      for (const auto& [form, label, left] :
+           {std::tuple{"frmsumtool", "Label3", 120}, {"frmsave", "Label10", 105}, {"frmsave", "Label2", 165}})
+        if (f.name == std::string_view(form))
+          QVERIFY2(std::abs(Child(o.form.get(), label)->x() - forms::Px(left)) <= 1, label);
     }
     Opened o(kForms[0]);
     Click(o.form.get(), "cmdedit");
@@ -297,6 +359,81 @@ class TestWindows : public QObject {
       run.start(QCoreApplication::applicationFilePath(), {"formsHaveTheirDesignSizeAndNothingClipsOrOverlaps"});
       QVERIFY2(run.waitForFinished(60000) && run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0,
                qPrintable(factor + ":\n" + run.readAll()));
+    }
+  }
+
+  // Each window asks the window manager for a fixed border: no minimize or maximize button, nor their
+  // functions.
+  void windowsAskForNoMinimizeOrMaximize() {
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+      QSKIP("window manager hints exist on an X server");
+    for (const Form& f : kForms) {
+      Opened o(f);
+      const QString said = XProperty(o.form->winId(), "_MOTIF_WM_HINTS");
+      const QStringList hints = said.section('=', 1).split(',');
+      QVERIFY2(hints.size() >= 3, qPrintable(f.name + (": " + said)));
+      const auto hint = [&](int i) { return hints[i].trimmed().toUInt(nullptr, 16); };
+      // Functions: all 1, minimize 8, maximize 16; decorations: all 1, minimize 32, maximize 64.
+      QVERIFY2((hint(0) & 3) == 3 && !(hint(1) & (1 | 8 | 16)) && !(hint(2) & (1 | 32 | 64)),
+               qPrintable(f.name + (": " + said)));
+    }
+  }
+
+  // A disabled box holds what the user came for: readable (4.5 : 1 at least, measured on its pixels), on a
+  // background that is not an editable field's.
+  void disabledBoxesAreReadableYetPlainlyNotEditable() {
+    for (const Form& f : kForms) {
+      Opened o(f);
+      const QColor editable = o.form->palette().color(QPalette::Active, QPalette::Base);
+      for (auto* box : o.form->findChildren<QLineEdit*>()) {
+        if (box->isEnabled()) continue;
+        box->setText("0123ABCD");
+        const QImage image = box->grab().toImage();
+        QHash<QRgb, int> count;  // inside the box's border
+        for (int y = 4; y < image.height() - 4; ++y)
+          for (int x = 4; x < image.width() - 4; ++x) ++count[image.pixel(x, y)];
+        const QColor background =
+            std::max_element(count.keyValueBegin(), count.keyValueEnd(), [](auto a, auto b) {
+              return a.second < b.second;
+            })->first;
+        double text = 1;
+        for (QRgb pixel : count.keys()) text = std::max(text, Contrast(pixel, background));
+        const QString name = f.name + ("." + box->objectName());
+        QVERIFY2(text >= 4.5, qPrintable(name + QString(": %1 : 1").arg(text)));
+        QVERIFY2(Contrast(background, editable) > 1.05, qPrintable(name + ": looks editable"));
+      }
+    }
+  }
+
+  // A message shows whole, a long file name wrapped, under the whole title (the program's name, or its own),
+  // with room beside it for the window manager's icon and buttons.
+  void messagesShowWholeUnderTheirWholeTitle() {
+    forms::QtPlatform platform;
+    ModalScript script;
+    struct Row {
+      std::string text;
+      int style;
+      std::string title;
+    };
+    for (const Row& row :
+         {Row{"Load Complete!", vbOKOnly, ""},
+          Row{"Cannot write /tmp/" + std::string(290, 'n') + ".HEX: File name too long", vbOKOnly, ""},
+          Row{"Buffer Clear OK?", vbQuestionYesNo, "BufferClear"}}) {
+      script.Dialog<QMessageBox>([&](QMessageBox* box) {
+        auto* label = Child<QLabel>(box, "qt_msgbox_label");
+        const QRect room = label->contentsRect();
+        const QRect need = label->fontMetrics().boundingRect(room, Qt::TextWordWrap, label->text());
+        QCOMPARE(label->text().remove(QChar(0x200B)).toStdString(), row.text);
+        QVERIFY2(room.width() >= need.width() && room.height() >= need.height() &&
+                     box->rect().contains(label->geometry()),
+                 qPrintable(label->text().left(20)));
+        QCOMPARE(box->windowTitle().toStdString(), row.title.empty() ? "Kestrum" : row.title);
+        QFont bold = box->font();
+        bold.setBold(true);
+        QVERIFY(box->width() >= QFontMetrics(bold).horizontalAdvance(box->windowTitle()) + 150);
+        QTest::keyClick(box, Qt::Key_Escape);
+      });
+      script.Run([&] { platform.MsgBox(row.text, row.style, row.title); });
     }
   }
 
@@ -343,8 +480,9 @@ class TestWindows : public QObject {
   }
 
   // The load window in a folder with two visible files, a hidden one and a
-  // folder (the file list follows the folder list); Enter in the folder list opens the folder and loads nothing.
-  // The drive list's roots.
+  // folder (the file list follows the folder list); typing finds a file or folder by its first letters; Enter
+  // in the folder list opens the folder and loads nothing, as does a typed path; the open folder stays
+  // highlighted; the drive follows the folder. The drive list's roots.
   void folderFileAndDriveListsBrowseATree() {
     QTemporaryDir dir;
     const QString root = QDir::toNativeSeparators(dir.path());
@@ -354,13 +492,35 @@ class TestWindows : public QObject {
     auto* dirs = Child<forms::DirListBox>(o.form.get(), "Dir1");
     auto* files = Child<forms::FileListBox>(o.form.get(), "File1");
     QVERIFY(dirs->SetPath(root));
-    QStringList shown{dirs->item(dirs->count() - 1)->text().trimmed()};  // the last folder, then every file
+    QStringList shown{dirs->item(dirs->count() - 1)->text()};  // the last folder, then every file
     for (int i = 0; i < files->ListCount(); ++i) shown << files->List(i);
     QCOMPARE(shown, (QStringList{"sub", "A.bin", "b.hex"}));
-    dirs->setCurrentItem(dirs->item(dirs->count() - 1));
+    QTest::keyClicks(files, "b");
+    QCOMPARE(Text(o.form.get(), "Text1"), QStringLiteral("b.hex"));
+    QTest::keyClicks(dirs, "su");
     QTest::keyClick(dirs, Qt::Key_Return);
     QCOMPARE(files->Path(), forms::JoinPath(root, "sub"));
+    // A click on empty space; a folder gone before it is opened.
+    const auto highlighted = [&] {
+      const QList<QListWidgetItem*> picked = dirs->selectedItems();
+      return (picked.isEmpty() ? QString() : picked[0]->text()) + '|' + files->Path();
+    };
+    QTest::mouseClick(dirs->viewport(), Qt::LeftButton, {}, QPoint(5, dirs->viewport()->height() - 3));
+    QCOMPARE(highlighted(), "sub|" + forms::JoinPath(root, "sub"));
+    QVERIFY(dirs->SetPath(root) && QDir(dir.path()).mkdir("gone") && dirs->SetPath(root) &&
+            QDir(dir.path()).rmdir("gone"));
+    dirs->setCurrentItem(dirs->findItems("gone", Qt::MatchExactly).value(0));
+    QTest::keyClick(dirs, Qt::Key_Return);
+    QTRY_COMPARE(highlighted(), QFileInfo(root).fileName() + '|' + root);
+    QTest::keyClick(dirs, Qt::Key_L, Qt::ControlModifier);
+    QTest::keyClicks(Child(dirs, "PathBox"), "/sub");
+    QTest::keyClick(Child(dirs, "PathBox"), Qt::Key_Return);
+    QCOMPARE(files->Path(), forms::JoinPath(root, "sub"));
     QVERIFY(o.form->isVisible() && o.platform.messages.empty());
+    for (const QString& folder : {QDir::homePath(), root}) {
+      QVERIFY(dirs->SetPath(folder));
+      QCOMPARE(Text(o.form.get(), "Drive1"), forms::DriveOfPath(folder, forms::DriveRoots()));
+    }
     // The root keeps its separator, and a name joined to it gets no second one.
     QVERIFY(dirs->SetPath(QDir::rootPath()));
     QCOMPARE(forms::JoinPath(dirs->Path(), "x"), QDir::toNativeSeparators(QDir::rootPath() + "x"));
@@ -385,12 +545,15 @@ class TestWindows : public QObject {
     WriteFile(path("app.hex"), ":10000000030A11181F262D343B424950575E656C78\r\n"
                                ":10001000737A81888F969DA4ABB2B9C0C7CED5DC68\r\n:00000001FF\r\n");
     for (const char* name : {"fw.HEX", "fw.YSM"}) WriteFile(path(name), name);
+    WriteFile(path("bad.hex"), ":020000021000EC\r\n:0100000000FE\r\n");  // a wrong sum at 10000
 
     Module1 m;
-    forms::QtPlatform platform;
+    CheckedPlatform platform;
     forms::AppContext ctx{m, platform, settings.store};
     forms::frmsumtool window(ctx);
+    platform.main = &window;
     QVERIFY(ShowActive(&window));
+    QCOMPARE(OffCentre(&window), QString());
     // The title and captions; the step buttons, the area and the loaded file's name show but take no input
     // (their texts: the garbage test).
     QStringList captions{window.windowTitle()};
@@ -420,19 +583,36 @@ class TestWindows : public QObject {
     script.Run([&] { OpenMenuItem(&window, Qt::Key_S, 0); });
     QCOMPARE(Text(&window, "txtbuffaddr") + Text(&window, "txtbufladdr"), QStringLiteral("000100000001FFFF"));
 
-    // File Load: app.hex picked with the mouse, with the offset 10010.
-    script.Dialog<forms::frmload>([&](forms::frmload* d) {
-      auto* files = Child<QListWidget>(d, "File1");
-      QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualItemRect(files->item(0)).center());
-      QTest::keyClick(Child(d, "Check1"), Qt::Key_Space);
-      Fill(d, {{"Text2", "10010"}});
-    }).Message("Load Complete!");
+    // File Load: bad.hex stops with the reader's message, Load and Cancel disabled meanwhile; then app.hex
+    // picked with the mouse, with the offset 10010.
+    forms::frmload* loading = nullptr;
+    script
+        .Dialog<forms::frmload>([&](forms::frmload* d) {
+          loading = d;
+          Child<forms::FileListBox>(d, "File1")->Pick("bad.hex");
+          Click(d, "Command1");
+          QVERIFY(Child(d, "Command1")->isEnabled() && Child(d, "Command2")->isEnabled());
+          auto* files = Child<QListWidget>(d, "File1");
+          QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                            files->visualItemRect(files->item(0)).center());
+          QTest::keyClick(Child(d, "Check1"), Qt::Key_Space);
+          Fill(d, {{"Text2", "10010"}});
+        })
+        .Dialog<QMessageBox>([&](QMessageBox* box) {
+          QCOMPARE(box->text(), QStringLiteral("SUM Error"));
+          QVERIFY(!Child(loading, "Command1")->isEnabled() && !Child(loading, "Command2")->isEnabled());
+          QTest::keyClick(box, Qt::Key_Return);
+        })
+        .Message("Load Complete!");
     script.Run([&] { Click(&window, "cmdload"); });
-    QCOMPARE(Text(&window, "Text1"), QStringLiteral("app.hex"));
+    QCOMPARE(Text(&window, "Text1") + '|' + Child(&window, "Text1")->toolTip(),
+             QStringLiteral("app.hex|app.hex"));
 
-    // Dump from 10010 typed through the filter, + once, - three times: the page stops at the area's start.
+    // Dump from 10010 typed through the filter (Enter on the focused Dump), + once, - three times: the page
+    // stops at the area's start.
     Type(&window, "txteditaddr", "1g0z01x0");
-    Click(&window, "cmdedit");
+    Child(&window, "cmdedit")->setFocus();
+    QTest::keyClick(Child(&window, "cmdedit"), Qt::Key_Return);
     Click(&window, "cmdeditplus");
     QCOMPARE(Text(&window, "txteditaddr"), QStringLiteral("00010020"));
     for (int i = 0; i < 3; ++i) Click(&window, "cmdeditminus");
@@ -503,6 +683,10 @@ class TestWindows : public QObject {
     giveUp.reset();
     const auto stored = [&](const char* key) { return settings.store.Read(kAddress, key, ""); };
     QCOMPARE(stored("BufFirst") + stored("BufLast"), std::string("000100000001FFFF"));
+    // Every busy stretch was on the screen before its work: the area, load, store, sum, save and clear.
+    QVERIFY2(platform.stale.isEmpty(), qPrintable(platform.stale.join(' ')));
+    QCOMPARE(QSet<QString>(platform.painted.begin(), platform.painted.end()),
+             (QSet<QString>{"frmbufaddr", "frmload", "frmstore", "frmsum", "frmsave", "frmsumtool"}));
 
     // The next start: the stored area, and each dialog with what was kept.
     m = Module1{};
