@@ -10,15 +10,15 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 # Debian packages the build and the tests need.
 PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
-           libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core \
-           strace acl dpkg-dev file lintian desktop-file-utils man-db
+           libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core fonts-liberation \
+           strace acl dpkg-dev file lintian desktop-file-utils man-db openbox x11-utils
 
 # What make run shows without a display: load, dump, sum and save, the
 # files going into the build folder.
 EXAMPLE = load examples/blink.hex dump 0 sum 0:FFFF \
           save $(BUILD)/blink.s --format s --range 0:FFFF ysm $(BUILD)/blink.YSM --sum 16-16 --range 0:FFFF
 
-.PHONY: all deps configure build run test test-asan test-xvfb fuzz install package package-check clean
+.PHONY: all deps configure build run test test-asan test-xvfb test-xvfb-wm fuzz install package package-check clean
 
 all: build
 
@@ -82,10 +82,15 @@ test-asan: deps
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 QT_QPA_PLATFORM=offscreen \
 	  ctest --output-on-failure -j $(JOBS)
 
-# The window tests under a real X server.
+# The window tests under a real X server, without a window manager.
 test-xvfb: build
 	cd $(BUILD) && QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1280x1024x24" \
 	  ctest --output-on-failure -R '^gui\.'
+
+# The same with a window manager (openbox) managing the windows.
+test-xvfb-wm: build
+	cd $(BUILD) && QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1280x1024x24" \
+	  $(CURDIR)/scripts/with-openbox ctest --output-on-failure -R '^gui\.'
 
 # Each fuzz target for FUZZ_SECONDS (clang and libFuzzer).
 FUZZ_BUILD ?= build-fuzz
