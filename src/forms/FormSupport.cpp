@@ -88,6 +88,14 @@ void SetUpForm(QWidget* form, const char* name, const QString& caption, int widt
 void CentreOn(QWidget* window, const QRect& area) {
   if (area.isEmpty()) return;
   QRect place = window->frameGeometry();
+  // Before it shows, a dialog's frame is not known: its owner's tells what
+  // the window manager will add.
+  const QWidget* owner = window->parentWidget() ? window->parentWidget()->window() : nullptr;
+  if (!window->isVisible() && owner && owner->isVisible()) {
+    const QRect inner = owner->geometry(), outer = owner->frameGeometry();
+    place.adjust(outer.left() - inner.left(), outer.top() - inner.top(), outer.right() - inner.right(),
+                 outer.bottom() - inner.bottom());
+  }
   place.moveCenter(area.center());
   window->move(place.topLeft());
 }

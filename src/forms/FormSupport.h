@@ -66,8 +66,9 @@ QFont FormFont();
 // readable. A dialog gets a fixed border with only a close button.
 void SetUpForm(QWidget* form, const char* name, const QString& caption, int widthTwips, int heightTwips);
 
-// Moves window so that it stands centred on area (its frame where the
-// window manager has drawn one).
+// Moves window so that it stands centred on area, with the frame the
+// window manager draws round it (for a dialog not yet shown, the frame of
+// its owner).
 void CentreOn(QWidget* window, const QRect& area);
 
 // The part of the screen a window of owner may take.
