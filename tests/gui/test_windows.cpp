@@ -67,8 +67,8 @@ QString XProperty(WId window, const char* property) {
 }
 
 // Where a window opens: the main window, File Load, File Save and Version centred on the screen, Block Store
-// and SUM on their owner; empty when it stands there, within 2 px (and within the frame a window manager
-// adds).
+// and SUM on their owner; empty when it stands there, within 2 px (the main window within the frame a window
+// manager adds, which nobody knows before it first shows).
 QString OffCentre(const QWidget* w) {
   const QString name = w->objectName();
   const bool onScreen = QStringList{"frmsumtool", "frmload", "frmsave", "frmversion"}.contains(name);
@@ -76,7 +76,7 @@ QString OffCentre(const QWidget* w) {
   const QRect area =
       onScreen ? w->screen()->availableGeometry() : w->parentWidget()->window()->frameGeometry();
   const QPoint off = w->frameGeometry().center() - area.center();
-  const int slack = 2 + w->frameGeometry().height() - w->height();
+  const int slack = 2 + (name == "frmsumtool" ? w->frameGeometry().height() - w->height() : 0);
   return std::max(std::abs(off.x()), std::abs(off.y())) <= slack
              ? QString()
              : name + QString(" off by %1,%2").arg(off.x()).arg(off.y());
