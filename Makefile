@@ -1,5 +1,7 @@
-# make run   builds and opens the window (or, without a display, says so)
-# make test  builds and runs every test
+# make run           builds and opens the window (or, without a display, says so)
+# make test          builds and runs every test
+# make windows       cross-builds kestrum-cli.exe for 64-bit Windows
+# make test-windows  runs its tests under Wine
 # Both install what is missing on a fresh Debian 12 machine first.
 # make install [PREFIX=/usr/local] [DESTDIR=]  installs the programs, manual pages and the rest
 # make package  builds the Debian package build/kestrum_<version>_amd64.deb
@@ -11,14 +13,15 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 # Debian packages the build and the tests need.
 PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
            libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core fonts-liberation \
-           strace acl dpkg-dev file lintian desktop-file-utils man-db openbox x11-utils
+           strace acl dpkg-dev file lintian desktop-file-utils man-db openbox x11-utils \
+           g++-mingw-w64-x86-64 wine64
 
 # What make run shows without a display: load, dump, sum and save, the
 # files going into the build folder.
 EXAMPLE = load examples/blink.hex dump 0 sum 0:FFFF \
           save $(BUILD)/blink.s --format s --range 0:FFFF ysm $(BUILD)/blink.YSM --sum 16-16 --range 0:FFFF
 
-.PHONY: all deps configure build run test test-asan test-xvfb test-xvfb-wm fuzz install package package-check clean
+.PHONY: all deps configure build run test test-asan test-xvfb test-xvfb-wm fuzz install package package-check windows test-windows clean
 
 all: build
 
@@ -101,5 +104,25 @@ fuzz: deps
 	cmake --build $(FUZZ_BUILD) -j $(JOBS)
 	fuzz/run $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
+# The command line for 64-bit Windows, built with MinGW-w64 and tested
+# under Wine in a Wine prefix of its own inside the build folder.
+WINDOWS_BUILD ?= build-windows
+WINE_ENV = WINEPREFIX=$(abspath $(WINDOWS_BUILD))/wine WINEDEBUG=-all WINEDLLOVERRIDES=winemenubuilder.exe=d
+windows: deps
+	cmake -S . -B $(WINDOWS_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) \
+	  -DCMAKE_TOOLCHAIN_FILE=$(abspath cmake/mingw-w64-x86_64.cmake) $(CMAKE_FLAGS)
+	cmake --build $(WINDOWS_BUILD) -j $(JOBS)
+
+# The unit and command-line tests, then the same pipelines through both
+# builds, their files compared byte for byte. One Wine server serves the
+# whole run.
+test-windows: windows configure
+	cmake --build $(BUILD) --target kestrum-cli
+	@test -f $(WINDOWS_BUILD)/wine/system.reg || $(WINE_ENV) wineboot --init
+	$(WINE_ENV) wineserver -p 30
+	$(WINE_ENV) wine $(WINDOWS_BUILD)/kestrum-cli.exe --version
+	cd $(WINDOWS_BUILD) && $(WINE_ENV) ctest --output-on-failure -j $(JOBS)
+	$(WINE_ENV) scripts/compare-builds $(BUILD)/kestrum-cli $(WINDOWS_BUILD)/kestrum-cli.exe
+
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) $(WINDOWS_BUILD)

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "cli/Cli.h"
+#include "image/Files.h"
 #include "image/Settings.h"
 #include "reading/ByteSource.h"
 #include "reading/LineReader.h"
@@ -46,10 +47,10 @@ std::string WhatWasRead(const LoadReport& report, const std::string& offset) {
 
 int RunLoad(CliContext& ctx, const Step& step) {
   const std::string& file = step.args[0];
-  const std::filesystem::path path(file);
+  const std::filesystem::path path = PathOf(file);
   LoadFields f;
-  f.File1 = path.filename().string();
-  f.Dir1 = f.File1.empty() ? file : path.parent_path().string();
+  f.File1 = NameOf(path.filename());
+  f.Dir1 = f.File1.empty() ? file : NameOf(path.parent_path());
   // A name that ends in a separator names a folder: let the load say so.
   f.Text1 = f.File1.empty() ? file : f.File1;
   f.Text4 = ctx.m.frmsumtool.txtbuffaddr;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/Cli.h"
+#include "cli/Console.h"
 #include "image/Module1.h"
 #include "image/System.h"
 
@@ -141,7 +142,8 @@ int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
   // An interrupted save leaves no working file behind.
   sys::RemoveWorkingFilesOnInterrupt();
-  std::vector<std::string> words(argv + 1, argv + argc);
+  BytesOnStandardStreams();
+  const std::vector<std::string> words = CallWords(argc, argv);
   Call call;
   if (int status = Parse(words, call); status >= 0) return status;
 

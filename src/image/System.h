@@ -3,8 +3,8 @@
 // the memory left to the process, files written with their final rights
 // from the start and flushed to the disk, and working files removed when
 // the process is interrupted. One source file per platform implements it
-// (SystemPosix.cpp; SystemPlain.cpp, with the standard library only, where
-// the platform has none of its own).
+// (SystemPosix.cpp, SystemWindows.cpp; SystemPlain.cpp, with the standard
+// library only, where the platform has none of its own).
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -1,4 +1,4 @@
-#if !defined(__unix__) && !defined(__APPLE__)
+#if !defined(__unix__) && !defined(__APPLE__) && !defined(_WIN32)
 // The operating system seam with the standard library alone, for systems
 // that have no implementation of their own: no memory figures, rights
 // limited to what std::filesystem can copy, flushing to the C library only.

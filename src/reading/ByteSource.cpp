@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <vector>
+
+#include "image/Files.h"
 
 namespace kestrum {
 
@@ -33,7 +35,7 @@ bool MemorySource::Rewind() {
 
 bool FileSource::Open(const std::string& path) {
   errno = 0;
-  file_.reset(std::fopen(path.c_str(), "rb"));
+  file_.reset(OpenBytes(path, "rb"));
   if (!file_) {
     Fail(ErrnoText(errno != 0 ? errno : EIO));
     return false;
@@ -57,9 +59,9 @@ bool FileSource::Skip(std::uint64_t count) {
   // A seek can pass the end of the file without a word; that is what a
   // short read afterwards finds.
   while (count > 0) {
-    const long step = static_cast<long>(std::min<std::uint64_t>(count, LONG_MAX));
+    const auto step = static_cast<std::int64_t>(std::min<std::uint64_t>(count, INT64_MAX));
     errno = 0;
-    if (std::fseek(file_.get(), step, SEEK_CUR) != 0) {
+    if (!SeekBytes(file_.get(), step, SEEK_CUR)) {
       Fail(ErrnoText(errno != 0 ? errno : EIO));
       return false;
     }
@@ -109,7 +111,8 @@ bool FileLength(const std::string& path, std::uint64_t& length, std::string& rea
     return false;
   }
   std::error_code ec;
-  const fs::file_status status = fs::status(path, ec);
+  const fs::path name = PathOf(path);
+  const fs::file_status status = fs::status(name, ec);
   if (ec || !fs::exists(status)) {
     reason = ec ? ec.message() : std::make_error_code(std::errc::no_such_file_or_directory).message();
     return false;
@@ -123,7 +126,7 @@ bool FileLength(const std::string& path, std::uint64_t& length, std::string& rea
     reason = "not a regular file";
     return false;
   }
-  length = fs::file_size(path, ec);
+  length = fs::file_size(name, ec);
   if (ec) {
     reason = ec.message();
     return false;

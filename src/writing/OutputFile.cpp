@@ -9,6 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include "image/Files.h"
+
 namespace kestrum {
 
 namespace fs = std::filesystem;
@@ -27,7 +29,7 @@ struct CloseStream {
 // lists, that no user file is likely to have.
 std::string WorkingName(const fs::path& target, std::mt19937_64& random) {
   static constexpr char kDigits[] = "0123456789abcdef";
-  std::string name = "." + target.filename().string().substr(0, 200) + ".kestrum-";
+  std::string name = "." + NameOf(target.filename()).substr(0, 200) + ".kestrum-";
   std::uint64_t bits = random();
   for (int i = 0; i < 6; ++i, bits >>= 4) name += kDigits[bits & 0xF];
   return name + ".tmp";
@@ -36,18 +38,18 @@ std::string WorkingName(const fs::path& target, std::mt19937_64& random) {
 // Follows symbolic links, also to a file that doesn't exist yet.
 bool ResolveLinks(std::string& path, std::error_code& ec) {
   for (int hops = 0; hops < 40; ++hops) {
-    if (!fs::is_symlink(fs::symlink_status(path, ec))) return true;
-    const fs::path to = fs::read_symlink(path, ec);
+    if (!fs::is_symlink(fs::symlink_status(PathOf(path), ec))) return true;
+    const fs::path to = fs::read_symlink(PathOf(path), ec);
     if (ec) return false;
-    path = (to.is_absolute() ? to : fs::path(path).parent_path() / to).string();
+    path = NameOf(to.is_absolute() ? to : PathOf(path).parent_path() / to);
   }
   ec = std::make_error_code(std::errc::too_many_symbolic_link_levels);
   return false;
 }
 
 std::string FolderOf(const std::string& path) {
-  const fs::path folder = fs::path(path).parent_path();
-  return folder.empty() ? std::string(".") : folder.string();
+  const fs::path folder = PathOf(path).parent_path();
+  return folder.empty() ? std::string(".") : NameOf(folder);
 }
 
 }  // namespace
@@ -83,7 +85,7 @@ bool OutputFile::Fail(const char* doing, const std::string& reason) {
 void OutputFile::Discard() {
   std::error_code ec;
   if (file_ != sys::kNoFile) sys::Close(std::exchange(file_, sys::kNoFile), ec);
-  if (!working_.empty() && working_ != target_) fs::remove(working_, ec);
+  if (!working_.empty() && working_ != target_) fs::remove(PathOf(working_), ec);
   working_.clear();
   listed_.Reset();
 }
@@ -106,7 +108,12 @@ OutputFile OutputFile::Create(const std::string& path) {
     out.Fail("create", ec.message());
     return out;
   }
-  const fs::file_status status = fs::status(out.target_, ec);
+  const fs::file_status status = fs::status(PathOf(out.target_), ec);
+  // Every system refuses a folder, not every one in the same words.
+  if (fs::is_directory(status)) {
+    out.Fail("create", std::make_error_code(std::errc::is_a_directory).message());
+    return out;
+  }
   if (fs::exists(status) && !fs::is_regular_file(status)) {
     out.file_ = sys::OpenForWriting(out.target_, ec);
     out.working_ = out.target_;
@@ -124,10 +131,10 @@ OutputFile OutputFile::Create(const std::string& path) {
     }
     sys::Close(probe, ec);
   }
-  const fs::path folder = FolderOf(out.target_);
+  const fs::path folder = PathOf(FolderOf(out.target_));
   std::mt19937_64 random(std::random_device{}() ^ reinterpret_cast<std::uintptr_t>(&out));
   for (int attempt = 0; attempt < 100 && out.file_ == sys::kNoFile; ++attempt) {
-    const std::string candidate = (folder / WorkingName(out.target_, random)).string();
+    const std::string candidate = NameOf(folder / WorkingName(PathOf(out.target_), random));
     ec.clear();
     // Listed before it is made: an interruption while the file takes the
     // old one's owner and attributes would otherwise leave it behind.
@@ -155,13 +162,13 @@ bool OutputFile::AppendOldTail(std::uint64_t offset) {
   if (!ok()) return false;
   if (working_ == target_) return true;
   std::error_code ec;
-  const fs::file_status status = fs::status(target_, ec);
+  const fs::file_status status = fs::status(PathOf(target_), ec);
   if (!fs::is_regular_file(status)) return true;
-  const std::uintmax_t size = fs::file_size(target_, ec);
+  const std::uintmax_t size = fs::file_size(PathOf(target_), ec);
   if (ec || size <= offset) return true;
-  std::unique_ptr<std::FILE, CloseStream> old(std::fopen(target_.c_str(), "rb"));
+  std::unique_ptr<std::FILE, CloseStream> old(OpenBytes(target_, "rb"));
   if (!old) return Fail("keep the end of", Reason(errno));
-  if (std::fseek(old.get(), static_cast<long>(offset), SEEK_SET) != 0)
+  if (!SeekBytes(old.get(), static_cast<std::int64_t>(offset), SEEK_SET))
     return Fail("keep the end of", Reason(errno));
   constexpr std::size_t kChunk = std::size_t{1} << 20;
   std::unique_ptr<char[]> chunk(new (std::nothrow) char[kChunk]);
@@ -199,7 +206,7 @@ bool OutputFile::Replace() {
   if (sys::LinkCount(target_) > 1) {
     bool touched = false;
     if (sys::CopyContent(working_, target_, touched, ec)) {
-      fs::remove(working_, ec);
+      fs::remove(PathOf(working_), ec);
       return true;
     }
     if (!touched) return Fail("write", ec.message());
@@ -208,8 +215,8 @@ bool OutputFile::Replace() {
     working_.clear();
     return Fail("write", ec.message());
   }
-  fs::rename(working_, target_, ec);
-  if (ec) return Fail("create", ec.message());
+  std::string reason;
+  if (!MoveIntoPlace(working_, target_, reason)) return Fail("create", reason);
   working_ = target_;
   if (!sys::FlushFolder(FolderOf(target_), ec)) return Fail("flush the folder of", ec.message());
   return true;

@@ -225,6 +225,7 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
       {"objcopy -I binary -O srec IN OUT.s", "OUT.s", "", 0, 0, 0x8000, true, ReadingMode::Tolerant},
       {intelhex, "OUT.hex", "", 0, 0x10000, 0x30000, true, ReadingMode::Tolerant},
   };
+  if (test::kWindows) GTEST_SKIP() << "srec_cat and objcopy are Linux programs: the Linux run compares with them";
   std::mt19937 random(1);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.command);

@@ -2,6 +2,7 @@
 // Shared pieces of the tests: a scripted platform that records every message,
 // temporary folders, file helpers, and a runner for the built command line.
 #include <cstdint>
+#include <cstdio>
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -98,6 +99,20 @@ class MemoryGroup {
   std::vector<int> holders_;
 };
 
+// Built for Windows, and run under Wine here.
+#ifdef _WIN32
+inline constexpr bool kWindows = true;
+#else
+inline constexpr bool kWindows = false;
+#endif
+
+// For a case that needs what Windows, or Wine, can't give: says why on
+// standard output and gives true on Windows; false elsewhere.
+inline bool SkipOnWindows(const char* why) {
+  if (kWindows) std::printf("[  SKIPPED ] a case on Windows: %s\n", why);
+  return kWindows;
+}
+
 // Built with the sanitizers: huge files and address space limits don't mix with them.
 inline constexpr bool kSanitized = KESTRUM_SANITIZED;
 
@@ -114,6 +129,9 @@ class FileSizeLimit {
   std::uint64_t old_[2] = {};
   void (*oldHandler_)(int) = nullptr;
 };
+
+// Makes a named pipe at path; false where the file system has none (Windows).
+bool MakeFifo(const std::filesystem::path& path);
 
 // Runs body where file permissions hold: in place for an ordinary user; for
 // the superuser, who reads and writes everything, in a child process as the
