@@ -31,12 +31,13 @@ std::string Narrow(const std::wstring& wide) {
 // The system's words for a failure, without the full stop and line end.
 std::string SystemText(DWORD error) {
   wchar_t* text = nullptr;
-  const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                                          FORMAT_MESSAGE_IGNORE_INSERTS,
-                                      nullptr, error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+  const DWORD length = FormatMessageW(
+      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+      error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
   std::wstring words = length != 0 ? std::wstring(text, length) : L"error " + std::to_wstring(error);
   LocalFree(text);
-  while (!words.empty() && (words.back() == L'\n' || words.back() == L'\r' || words.back() == L'.')) words.pop_back();
+  while (!words.empty() && (words.back() == L'\n' || words.back() == L'\r' || words.back() == L'.'))
+    words.pop_back();
   return Narrow(words);
 }
 
@@ -50,7 +51,9 @@ std::FILE* OpenBytes(const std::string& name, const char* mode) {
   return _wfopen(Wide(name).c_str(), Wide(mode).c_str());
 }
 
-bool SeekBytes(std::FILE* file, std::int64_t offset, int origin) { return _fseeki64(file, offset, origin) == 0; }
+bool SeekBytes(std::FILE* file, std::int64_t offset, int origin) {
+  return _fseeki64(file, offset, origin) == 0;
+}
 
 bool MoveIntoPlace(const std::string& working, const std::string& target, std::string& reason) {
   // Wine's ReplaceFileW takes whole paths only.

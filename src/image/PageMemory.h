@@ -3,7 +3,8 @@
 // the system allows, a block starts on a 2 MiB boundary and is backed by
 // 2 MiB pages, so that the first write into it faults once per 2 MiB instead
 // of once per 4 KiB. One implementation per platform (PageMemoryPosix.cpp,
-// PageMemoryPlain.cpp where the platform has none of its own).
+// PageMemoryWindows.cpp, PageMemoryPlain.cpp where the platform has none of
+// its own).
 #include <cstddef>
 
 namespace kestrum {

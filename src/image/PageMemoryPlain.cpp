@@ -1,4 +1,4 @@
-#if !defined(__unix__) && !defined(__APPLE__)
+#if !defined(__unix__) && !defined(__APPLE__) && !defined(_WIN32)
 // Plain allocation for systems without an implementation of their own.
 #include <cstdlib>
 

@@ -216,8 +216,8 @@ TEST(Cli, SaveAndYsmWriteTheWindowWritersBytes) {
 TEST(Cli, Utf8NamesReachTheFileSystem) {
   TempDir dir;
   WriteFile(dir.path() / fs::path(u8"grüße.bin"), "\x11\x22");
-  const auto r = RunCli({"--area", "0:F", "load", "grüße.bin", "save", "tschüß.hex", "--format", "hex", "--range", "0:1"},
-                        dir.path());
+  const auto r = RunCli(
+      {"--area", "0:F", "load", "grüße.bin", "save", "tschüß.hex", "--format", "hex", "--range", "0:1"}, dir.path());
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(ReadFile(dir.path() / fs::path(u8"tschüß.hex")), ":020000001122CB\r\n:00000001FF\r\n");
 }

@@ -85,7 +85,8 @@ bool MakeFifo(const std::filesystem::path& path) { return mkfifo(path.c_str(), 0
 
 std::string Unprivileged(const std::function<std::string()>& body) {
   if (geteuid() != 0) return body();
-  return InChild([] { return DropPrivileges() ? "" : "the rights of the superuser could not be given up"; }, body);
+  return InChild([] { return DropPrivileges() ? "" : "the rights of the superuser could not be given up"; },
+                 body);
 }
 
 namespace {

@@ -1,5 +1,8 @@
+// windows.h comes before the headers that build on it.
+// clang-format off
 #include <windows.h>
 #include <psapi.h>
+// clang-format on
 
 #include <random>
 #include <stdexcept>
@@ -12,7 +15,8 @@ namespace kestrum::test {
 TempDir::TempDir() {
   std::mt19937_64 random(std::random_device{}());
   for (int attempt = 0; attempt < 100 && path_.empty(); ++attempt) {
-    const auto candidate = std::filesystem::temp_directory_path() / ("kestrum-test-" + std::to_string(random()));
+    const auto candidate =
+        std::filesystem::temp_directory_path() / ("kestrum-test-" + std::to_string(random()));
     if (std::filesystem::create_directory(candidate)) path_ = candidate;
   }
   if (path_.empty()) throw std::runtime_error("no temporary folder");
