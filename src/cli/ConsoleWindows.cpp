@@ -10,6 +10,7 @@
 #include <cstdio>
 
 #include "cli/Console.h"
+#include "image/Files.h"
 
 namespace kestrum::cli {
 
@@ -20,12 +21,7 @@ std::vector<std::string> CallWords(int argc, char** argv) {
   wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
   if (!wide) return {argv + 1, argv + argc};
   std::vector<std::string> words;
-  for (int i = 1; i < count; ++i) {
-    const int length = WideCharToMultiByte(CP_UTF8, 0, wide[i], -1, nullptr, 0, nullptr, nullptr);
-    std::string word(static_cast<std::size_t>(length > 0 ? length - 1 : 0), '\0');
-    if (length > 1) WideCharToMultiByte(CP_UTF8, 0, wide[i], -1, word.data(), length, nullptr, nullptr);
-    words.push_back(std::move(word));
-  }
+  for (int i = 1; i < count; ++i) words.push_back(NameOf(wide[i]));
   LocalFree(wide);
   return words;
 }

@@ -28,18 +28,8 @@ std::string Narrow(const std::wstring& wide) {
   return text;
 }
 
-// The system's words for a failure, without the full stop and line end.
-std::string SystemText(DWORD error) {
-  wchar_t* text = nullptr;
-  const DWORD length = FormatMessageW(
-      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-      error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
-  std::wstring words = length != 0 ? std::wstring(text, length) : L"error " + std::to_wstring(error);
-  LocalFree(text);
-  while (!words.empty() && (words.back() == L'\n' || words.back() == L'\r' || words.back() == L'.'))
-    words.pop_back();
-  return Narrow(words);
-}
+// The system's words for a failure.
+std::string SystemText(DWORD error) { return std::system_category().message(static_cast<int>(error)); }
 
 }  // namespace
 

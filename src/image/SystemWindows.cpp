@@ -41,15 +41,15 @@ FileHandle Open(const std::string& path, int flags, std::error_code& ec) {
 
 // Gives the new file the access list of like, so that it is never readable
 // by more users than the file it replaces while it is written.
-bool TakeAccessList(FileHandle file, const std::string& like, std::error_code& ec) {
+bool TakeAccessList(const std::string& path, const std::string& like, std::error_code& ec) {
   PACL list = nullptr;
   PSECURITY_DESCRIPTOR descriptor = nullptr;
-  const std::wstring name = PathOf(like).native();
-  if (GetNamedSecurityInfoW(name.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
-                            nullptr, &descriptor) != ERROR_SUCCESS)
+  if (GetNamedSecurityInfoW(PathOf(like).c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                            &list, nullptr, &descriptor) != ERROR_SUCCESS)
     return true;  // no list to take: the folder's, as for any new file
-  const DWORD error = SetSecurityInfo(Native(file), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
-                                      nullptr, list, nullptr);
+  std::wstring name = PathOf(path).native();
+  const DWORD error = SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr,
+                                            nullptr, list, nullptr);
   LocalFree(descriptor);
   if (error == ERROR_SUCCESS) return true;
   ec = {static_cast<int>(error), std::system_category()};
@@ -73,7 +73,7 @@ std::optional<std::uint64_t> AvailableMemory(const std::string&) {
     const DWORD flags = job.BasicLimitInformation.LimitFlags;
     // What the job's other processes hold can't be told: this one's own
     // use counts against both limits.
-    for (const auto [limited, limit] :
+    for (const auto& [limited, limit] :
          {std::pair{flags & JOB_OBJECT_LIMIT_PROCESS_MEMORY, job.ProcessMemoryLimit},
           std::pair{flags & JOB_OBJECT_LIMIT_JOB_MEMORY, job.JobMemoryLimit}})
       if (limited)
@@ -84,7 +84,7 @@ std::optional<std::uint64_t> AvailableMemory(const std::string&) {
 
 FileHandle CreateExclusive(const std::string& path, const std::string& like, std::error_code& ec) {
   const FileHandle file = Open(path, _O_WRONLY | _O_CREAT | _O_EXCL, ec);
-  if (file == kNoFile || like.empty() || TakeAccessList(file, like, ec)) return file;
+  if (file == kNoFile || like.empty() || TakeAccessList(path, like, ec)) return file;
   _close(Descriptor(file));
   DeleteFileW(PathOf(path).c_str());
   return kNoFile;
