@@ -50,15 +50,19 @@ void BM_Hostile(benchmark::State& state) {
     const auto report = kestrum::LoadObjectBytes(m, platform, 0, 0xFFFF, kNames[kind], text);
     benchmark::DoNotOptimize(report);
   }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(text.size()));
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                          static_cast<std::int64_t>(text.size()));
   state.SetComplexityN(state.range(0));
 }
 
 }  // namespace
 
-#define KESTRUM_HOSTILE(kind)                                                                       \
-  BENCHMARK_TEMPLATE(BM_Hostile, kind)->RangeMultiplier(4)->Range(1 << 20, 64 << 20)->Complexity( \
-      benchmark::oN)->Unit(benchmark::kMillisecond)
+#define KESTRUM_HOSTILE(kind)          \
+  BENCHMARK_TEMPLATE(BM_Hostile, kind) \
+      ->RangeMultiplier(4)             \
+      ->Range(1 << 20, 64 << 20)       \
+      ->Complexity(benchmark::oN)      \
+      ->Unit(benchmark::kMillisecond)
 KESTRUM_HOSTILE(0);
 KESTRUM_HOSTILE(1);
 KESTRUM_HOSTILE(2);

@@ -3,6 +3,7 @@
 // from disk through the file layer, and from memory to see the readers alone;
 // each text format in window mode and in the command line's tolerant mode.
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -10,7 +11,6 @@
 #include <fstream>
 #include <random>
 #include <string>
-#include <unistd.h>
 
 #include "image/Platform.h"
 #include "reading/LoadObjectFile.h"
@@ -109,7 +109,8 @@ struct Files {
     hex = HexText(bin);
     s = SText(bin);
     for (const auto& [name, bytes] : {std::pair{"image.bin", &bin}, {"image.hex", &hex}, {"image.s", &s}}) {
-      std::ofstream(dir / name, std::ios::binary).write(bytes->data(), static_cast<std::streamsize>(bytes->size()));
+      std::ofstream(dir / name, std::ios::binary)
+          .write(bytes->data(), static_cast<std::streamsize>(bytes->size()));
     }
   }
   ~Files() {
@@ -157,7 +158,8 @@ void LoadFromDisk(benchmark::State& state, const char* name, const std::string& 
     benchmark::ClobberMemory();
   }
   Check(m);
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes.size()));
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                          static_cast<std::int64_t>(bytes.size()));
 }
 
 void LoadFromMemory(benchmark::State& state, const char* name, const std::string& bytes,
@@ -169,7 +171,8 @@ void LoadFromMemory(benchmark::State& state, const char* name, const std::string
     benchmark::ClobberMemory();
   }
   Check(m);
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(bytes.size()));
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                          static_cast<std::int64_t>(bytes.size()));
 }
 
 void BM_LoadHexFile(benchmark::State& state) { LoadFromDisk(state, "image.hex", TheFiles().hex); }
@@ -178,10 +181,18 @@ void BM_LoadBinFile(benchmark::State& state) { LoadFromDisk(state, "image.bin", 
 void BM_ReadHexText(benchmark::State& state) { LoadFromMemory(state, "image.hex", TheFiles().hex); }
 void BM_ReadSText(benchmark::State& state) { LoadFromMemory(state, "image.s", TheFiles().s); }
 constexpr auto kTolerant = kestrum::ReadingMode::Tolerant;
-void BM_LoadHexFileTolerant(benchmark::State& state) { LoadFromDisk(state, "image.hex", TheFiles().hex, kTolerant); }
-void BM_LoadSFileTolerant(benchmark::State& state) { LoadFromDisk(state, "image.s", TheFiles().s, kTolerant); }
-void BM_ReadHexTextTolerant(benchmark::State& state) { LoadFromMemory(state, "image.hex", TheFiles().hex, kTolerant); }
-void BM_ReadSTextTolerant(benchmark::State& state) { LoadFromMemory(state, "image.s", TheFiles().s, kTolerant); }
+void BM_LoadHexFileTolerant(benchmark::State& state) {
+  LoadFromDisk(state, "image.hex", TheFiles().hex, kTolerant);
+}
+void BM_LoadSFileTolerant(benchmark::State& state) {
+  LoadFromDisk(state, "image.s", TheFiles().s, kTolerant);
+}
+void BM_ReadHexTextTolerant(benchmark::State& state) {
+  LoadFromMemory(state, "image.hex", TheFiles().hex, kTolerant);
+}
+void BM_ReadSTextTolerant(benchmark::State& state) {
+  LoadFromMemory(state, "image.s", TheFiles().s, kTolerant);
+}
 
 BENCHMARK(BM_LoadHexFile)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_LoadSFile)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -87,24 +87,24 @@ void BM_SaveBin(benchmark::State& state) {
 BENCHMARK(BM_SaveBin)->ArgNames({"file"})->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_SaveHex(benchmark::State& state) {
-  Run(state, static_cast<int>(state.range(1)), [](Module1& m, kestrum::Platform& p, const std::string& f) {
-    return kestrum::SaveHexFile(m, p, f);
-  });
+  Run(state, static_cast<int>(state.range(1)),
+      [](Module1& m, kestrum::Platform& p, const std::string& f) { return kestrum::SaveHexFile(m, p, f); });
 }
 BENCHMARK(BM_SaveHex)
     ->ArgNames({"file", "length"})
     ->ArgsProduct({{1, 0}, {0x10, 0xFF}})
-    ->Unit(benchmark::kMillisecond)->UseRealTime();
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 void BM_SaveS(benchmark::State& state) {
-  Run(state, static_cast<int>(state.range(1)), [](Module1& m, kestrum::Platform& p, const std::string& f) {
-    return kestrum::SaveSFile(m, p, f);
-  });
+  Run(state, static_cast<int>(state.range(1)),
+      [](Module1& m, kestrum::Platform& p, const std::string& f) { return kestrum::SaveSFile(m, p, f); });
 }
 BENCHMARK(BM_SaveS)
     ->ArgNames({"file", "length"})
     ->ArgsProduct({{1, 0}, {0x10, 0xFA}})
-    ->Unit(benchmark::kMillisecond)->UseRealTime();
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
 // The same 180 MiB that HEX with length 10 writes, handed over from memory:
 // what the file system itself allows on this machine.

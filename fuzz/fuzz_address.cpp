@@ -118,8 +118,10 @@ Module1& Image() {
 void CheckLoadButton(const std::string& text) {
   std::vector<std::string> parts(1);
   for (char c : text) {
-    if (c == '\n') parts.emplace_back();
-    else parts.back() += c;
+    if (c == '\n')
+      parts.emplace_back();
+    else
+      parts.back() += c;
   }
   LoadFields f;
   f.Text1 = "missing.hex";
@@ -151,10 +153,14 @@ void CheckLoadButton(const std::string& text) {
   } else {
     padded = true;
     const Address first = ModelAddress(ModelPad(typed.Text4)), last = ModelAddress(ModelPad(typed.Text3));
-    if (first < kBufFirst || first > kBufLast) want = "First Address Error!";
-    else if (last < kBufFirst || last > kBufLast) want = "Last Address Error!";
-    else if (first > last) want = "Address Error!";
-    else want = "Cannot read /nonexistent-kestrum-folder/missing.hex: No such file or directory";
+    if (first < kBufFirst || first > kBufLast)
+      want = "First Address Error!";
+    else if (last < kBufFirst || last > kBufLast)
+      want = "Last Address Error!";
+    else if (first > last)
+      want = "Address Error!";
+    else
+      want = "Cannot read /nonexistent-kestrum-folder/missing.hex: No such file or directory";
   }
   Check(platform.messages == std::vector<std::string>{want}, "the first failing test's message, alone");
   Check(f.Text4 == (padded ? ModelPad(typed.Text4) : typed.Text4) &&
@@ -180,7 +186,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   bool negative = false;
   const bool judged = JudgeOffsetText(text, digits, negative);
   Check(judged == ModelOffset(text, offset), "the offset refused by the rules");
-  if (judged) Check((negative ? -AddressFromText(digits) : AddressFromText(digits)) == offset, "the offset's value");
+  if (judged)
+    Check((negative ? -AddressFromText(digits) : AddressFromText(digits)) == offset, "the offset's value");
   CheckLoadButton(text);
   return 0;
 }

@@ -152,7 +152,8 @@ struct Model {
     const int K = line[1] - '0';
     const int count = Pair(line, 3);
     if (count < 0) return Status::Format;
-    std::string padded = "000000" + std::string(line.substr(std::min<std::size_t>(4, line.size()), 2 * K + 2));
+    std::string padded =
+        "000000" + std::string(line.substr(std::min<std::size_t>(4, line.size()), 2 * K + 2));
     if (padded.size() > 8) padded = padded.substr(padded.size() - 8);
     const Address R = AddressFromText(padded) + offset;
     const Address n = count - K - 2;
@@ -179,7 +180,8 @@ struct ModelOutcome {
 
 LoadFormat ModelFormat(std::string_view name, std::string_view file, bool tolerant) {
   const auto dot = name.find('.');
-  const std::string_view extension = dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+  const std::string_view extension =
+      dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
   if (tolerant) {
     // The loader looks at the head of the file only.
     file = file.substr(0, kFormatProbeBytes);
@@ -207,7 +209,8 @@ ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view fil
     for (std::size_t k = 0; k < file.size(); ++k) {
       const Address A = model.loadFirst + model.offset + static_cast<Address>(k);
       if (A > model.loadLast) break;
-      if (A >= model.loadFirst) model.image[static_cast<std::size_t>(A - model.bufFirst)] = static_cast<std::uint8_t>(file[k]);
+      if (A >= model.loadFirst)
+        model.image[static_cast<std::size_t>(A - model.bufFirst)] = static_cast<std::uint8_t>(file[k]);
     }
     return outcome;
   }
@@ -259,7 +262,8 @@ struct Scratch {
 
 const std::string& ScratchFile() {
   static const Scratch scratch{
-      (std::filesystem::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".load")).string()};
+      (std::filesystem::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".load"))
+          .string()};
   return scratch.path;
 }
 
@@ -276,7 +280,8 @@ void CheckLines(std::string_view file, const std::vector<ModelLine>& expected, s
     const std::string_view want = expected[i].text;
     Check(line.length == want.size(), "a line's full length");
     Check(want.substr(0, line.text.size()) == line.text, "a line's head");
-    Check(line.Whole() || want.size() >= blockSize || mode == ReadingMode::Tolerant, "a line that fits the block is whole");
+    Check(line.Whole() || want.size() >= blockSize || mode == ReadingMode::Tolerant,
+          "a line that fits the block is whole");
     Check(reader.LineNumber() == expected[i++].number, "lines counted from 1");
   }
   Check(i == expected.size(), "every line of the model");
@@ -300,10 +305,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const Address loadLast = std::min(loadFirst + u16(4), m.BufLast);
   Address offset = 0;
   switch ((data[0] >> 2) & 3) {
-    case 0: offset = 0; break;
-    case 1: offset = static_cast<std::int16_t>(raw & 0xFFFF); break;
-    case 2: offset = static_cast<Address>(raw & 0xFFFF0000); break;
-    default: offset = raw; break;
+    case 0:
+      offset = 0;
+      break;
+    case 1:
+      offset = static_cast<std::int16_t>(raw & 0xFFFF);
+      break;
+    case 2:
+      offset = static_cast<Address>(raw & 0xFFFF0000);
+      break;
+    default:
+      offset = raw;
+      break;
   }
   if (data[0] & 0x10) offset = -offset;
   m.LoadOffset = offset;
@@ -328,7 +341,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (failed) {
     Check(got.outcome == LoadReport::Outcome::RecordError, "a record error");
     Check(got.line == want.line, "the model's failing line");
-    Check(platform.last == (want.status == Status::Format ? "Format Error" : "SUM Error"), "the model's message");
+    Check(platform.last == (want.status == Status::Format ? "Format Error" : "SUM Error"),
+          "the model's message");
     Check(platform.pointer == vbDefault, "the pointer back to default");
   }
   if (!file.empty()) Check(got.format == want.format, "the model's format");

@@ -63,7 +63,8 @@ struct Places {
 
 const Places& Scratch() {
   static const Places places = [] {
-    const fs::path parent = fs::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".save");
+    const fs::path parent =
+        fs::temp_directory_path() / ("kestrum-fuzz-" + std::to_string(getpid()) + ".save");
     fs::create_directories(parent / "dir");
     return Places{parent, parent / "dir"};
   }();
@@ -119,8 +120,9 @@ Expected Name(const std::string& name, int type, const std::string& word) {
     return e;
   }
   const std::string ext = Extension(name);
-  const bool rival = !EqualsIgnoreCase(ext, word) &&
-                     (EqualsIgnoreCase(ext, "BIN") || EqualsIgnoreCase(ext, "HEX") || EqualsIgnoreCase(ext, "S"));
+  const bool rival =
+      !EqualsIgnoreCase(ext, word) &&
+      (EqualsIgnoreCase(ext, "BIN") || EqualsIgnoreCase(ext, "HEX") || EqualsIgnoreCase(ext, "S"));
   if (type == 0 || type == 1) {
     if (type == 0 && rival) {
       e.refusal = "Extension Error!";
@@ -159,7 +161,8 @@ Module1& Image() {
   static Module1 m = [] {
     Module1 image;
     Check(SizeBuffer(image, 0, 0xF) == SizeResult::Ok, "an image of 16 bytes");
-    for (int i = 0; i < 16; ++i) image.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(i * 17);
+    for (int i = 0; i < 16; ++i)
+      image.Buffer[static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(i * 17);
     image.frmsumtool.txtbuffaddr = "00000000";
     image.frmsumtool.txtbufladdr = "0000000F";
     return image;
@@ -175,11 +178,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string word = kObjectFormats[data[1] % 3];
   std::vector<std::string> parts(1);
   for (std::size_t i = 4; i < size; ++i) {
-    if (data[i] == '\n') parts.emplace_back();
-    else parts.back() += static_cast<char>(data[i]);
+    if (data[i] == '\n')
+      parts.emplace_back();
+    else
+      parts.back() += static_cast<char>(data[i]);
   }
   const std::string name = parts[0];
-  std::vector<std::string> listed(parts.begin() + 1, parts.begin() + std::min<std::size_t>(parts.size(), 1 + data[3] % 4));
+  std::vector<std::string> listed(parts.begin() + 1,
+                                  parts.begin() + std::min<std::size_t>(parts.size(), 1 + data[3] % 4));
 
   const Places& places = Scratch();
   for (const auto& e : fs::directory_iterator(places.dir)) fs::remove_all(e.path());
@@ -222,7 +228,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   unsigned answers = data[2];
   for (const auto& [tested, prompt] : want.tests) {
     if (!Listed(listed, tested)) continue;
-    Check(asked < platform.messages.size() && platform.messages[asked] == prompt, "the prompt for a listed name");
+    Check(asked < platform.messages.size() && platform.messages[asked] == prompt,
+          "the prompt for a listed name");
     ++asked;
     const bool yes = answers & 1;
     answers >>= 1;
@@ -242,7 +249,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
           "a failed save names the file and the reason");
     return 0;
   }
-  Check(platform.messages.size() == asked + 1 && platform.messages.back().find("Save Complete!") != std::string::npos,
+  Check(platform.messages.size() == asked + 1 &&
+            platform.messages.back().find("Save Complete!") != std::string::npos,
         "a completed save says so once");
   for (const auto& file : want.files) Check(after.count(file) == 1, "every named file is there");
   if (want.files.size() == 2) {

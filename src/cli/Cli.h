@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "bufferops/CheckValue.h"
+#include "cli/Progress.h"
 #include "image/Module1.h"
 #include "image/Platform.h"
-#include "cli/Progress.h"
 #include "reading/LoadObjectFile.h"
 
 namespace kestrum::cli {
@@ -48,13 +48,13 @@ struct OptionSpec {
 
 struct StepSpec {
   std::string name;
-  std::vector<std::string> args;      // names of the required arguments
-  std::string optionalArg;            // name of one optional argument, or empty
+  std::vector<std::string> args;  // names of the required arguments
+  std::string optionalArg;        // name of one optional argument, or empty
   std::vector<OptionSpec> options;
   std::string summary;
   StepRunner run = nullptr;
   std::string details = {};  // more lines for STEP --help
-  bool moreArgs = false;  // the last required argument may be repeated
+  bool moreArgs = false;     // the last required argument may be repeated
 };
 
 struct Step {

@@ -51,8 +51,10 @@ class WrittenBytes {
   std::vector<Span> Spans() const {
     std::vector<Span> spans;
     for (const auto& run : runs_) {
-      if (!spans.empty() && spans.back().last + 1 == run.first) spans.back().last = End(run);
-      else spans.push_back({run.first, End(run)});
+      if (!spans.empty() && spans.back().last + 1 == run.first)
+        spans.back().last = End(run);
+      else
+        spans.push_back({run.first, End(run)});
     }
     return spans;
   }
@@ -65,7 +67,8 @@ class WrittenBytes {
     for (const Span& s : sorted) {
       if (!merged.empty() && merged.back().differ == s.differ && merged.back().last + 1 >= s.first)
         merged.back().last = std::max(merged.back().last, s.last);
-      else merged.push_back(s);
+      else
+        merged.push_back(s);
     }
     return merged;
   }
@@ -86,8 +89,10 @@ class WrittenBytes {
   }
 
   void Twice(Address a, bool differ) {
-    if (!twice_.empty() && twice_.back().differ == differ && twice_.back().last + 1 == a) twice_.back().last = a;
-    else twice_.push_back({a, a, differ});
+    if (!twice_.empty() && twice_.back().differ == differ && twice_.back().last + 1 == a)
+      twice_.back().last = a;
+    else
+      twice_.push_back({a, a, differ});
   }
 
   std::map<Address, std::vector<std::uint8_t>> runs_;
@@ -127,8 +132,8 @@ class FileSurvey : public RecordObserver {
       out << '\n';
     }
     for (const Span& s : written_.Spans())
-      out << "  data " << AddressToText(s.first) << ':' << AddressToText(s.last) << ' ' << s.last - s.first + 1
-          << " bytes\n";
+      out << "  data " << AddressToText(s.first) << ':' << AddressToText(s.last) << ' '
+          << s.last - s.first + 1 << " bytes\n";
     for (const std::string& start : starts_) out << "  start " << start << '\n';
     for (const Span& s : written_.TwiceWritten())
       out << "  twice " << AddressToText(s.first) << ':' << AddressToText(s.last)
@@ -142,7 +147,8 @@ class FileSurvey : public RecordObserver {
 };
 
 std::string LineEndsText(const LineEndCount& ends) {
-  const std::pair<std::uint64_t, const char*> kinds[] = {{ends.crlf, "CR LF"}, {ends.lf, "LF"}, {ends.cr, "CR"}};
+  const std::pair<std::uint64_t, const char*> kinds[] = {
+      {ends.crlf, "CR LF"}, {ends.lf, "LF"}, {ends.cr, "CR"}};
   std::string found;
   int seen = 0;
   for (const auto& [n, name] : kinds) {
@@ -165,8 +171,8 @@ bool Survey(CliContext& ctx, const std::string& file) {
     ProgressLine progress(ctx.err, "info " + file, ctx.progress);
     LoadOptions options = ReadingOptions(ctx, progress);
     options.observer = &survey;
-    report = LoadObjectFile(scratch, quiet, 0, Address{1} << 40, std::filesystem::path(file).filename().string(),
-                            options);
+    report = LoadObjectFile(scratch, quiet, 0, Address{1} << 40,
+                            std::filesystem::path(file).filename().string(), options);
   }
   if (report.outcome == LoadReport::Outcome::FileFailure) {
     ctx.out.flush();

@@ -30,10 +30,14 @@ RangeCheck CheckRange(CliContext& ctx, const Step& step, bool recordLengthOk) {
       return r;
     }
   }
-  if (r.first > r.last) r.status = Fail(ctx, kUsage, "Address Error!");
-  else if (!recordLengthOk) r.status = Fail(ctx, kUsage, "RecordLength Error!");
-  else if (!ctx.m.InArea(r.first)) r.status = Fail(ctx, kUsage, "FirstAddress Error!");
-  else if (!ctx.m.InArea(r.last)) r.status = Fail(ctx, kUsage, "LastAddress Error!");
+  if (r.first > r.last)
+    r.status = Fail(ctx, kUsage, "Address Error!");
+  else if (!recordLengthOk)
+    r.status = Fail(ctx, kUsage, "RecordLength Error!");
+  else if (!ctx.m.InArea(r.first))
+    r.status = Fail(ctx, kUsage, "FirstAddress Error!");
+  else if (!ctx.m.InArea(r.last))
+    r.status = Fail(ctx, kUsage, "LastAddress Error!");
   return r;
 }
 
@@ -71,7 +75,11 @@ int RunSave(CliContext& ctx, const Step& step) {
   if (outcome != SaveOutcome::Done) return Failed(ctx, outcome);
   if (ctx.verbose) {
     ctx.err << "save: " << file << ": " << AddressToText(range.first) << ":" << AddressToText(range.last)
-            << " as " << (bin ? "BIN" : hex ? "HEX" : "S") << '\n';
+            << " as "
+            << (bin   ? "BIN"
+                : hex ? "HEX"
+                      : "S")
+            << '\n';
   }
   return kOk;
 }

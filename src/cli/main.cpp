@@ -147,8 +147,10 @@ int main(int argc, char** argv) {
   Call call;
   if (int status = Parse(words, call); status >= 0) return status;
 
-  CliContext ctx{Module1{}, CapturePlatform{}, std::cout, std::cerr, call.verbose,
-                 call.strict ? ReadingMode::Window : ReadingMode::Tolerant, StderrIsTerminal()};
+  CliContext ctx{Module1{},         CapturePlatform{},
+                 std::cout,         std::cerr,
+                 call.verbose,      call.strict ? ReadingMode::Window : ReadingMode::Tolerant,
+                 StderrIsTerminal()};
   Address first = 0, last = 0;
   std::string why;
   if (!ParseRange(call.area, first, last, why)) return Usage("--area: " + why);

@@ -87,8 +87,9 @@ QString DriveOfPath(const QString& path, const QStringList& roots) {
   const QString normal = NormalPath(path);
   QString best;
   for (const QString& root : roots) {
-    const bool holds = normal.compare(root, kPathCase) == 0 ||
-                       normal.startsWith(EndsWithSeparator(root) ? root : root + QDir::separator(), kPathCase);
+    const bool holds =
+        normal.compare(root, kPathCase) == 0 ||
+        normal.startsWith(EndsWithSeparator(root) ? root : root + QDir::separator(), kPathCase);
     if (holds && root.size() > best.size()) best = root;
   }
   return best;
@@ -208,7 +209,8 @@ void DirListBox::Refresh() {
   const QDir dir(path_);
   const QStringList children =
       dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase | QDir::LocaleAware);
-  for (const QString& child : children) add(closed, static_cast<int>(chain.size()), child, JoinPath(path_, child));
+  for (const QString& child : children)
+    add(closed, static_cast<int>(chain.size()), child, JoinPath(path_, child));
 }
 
 void DirListBox::keyPressEvent(QKeyEvent* event) {

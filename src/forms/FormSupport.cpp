@@ -15,8 +15,8 @@
 
 namespace kestrum::forms {
 
-QWidget* MakeLabel(QWidget* parent, const char* name, const QString& caption, int left, int top,
-                   int width, int height) {
+QWidget* MakeLabel(QWidget* parent, const char* name, const QString& caption, int left, int top, int width,
+                   int height) {
   auto* label = new QLabel(caption, parent);
   label->setObjectName(QString::fromLatin1(name));
   label->move(Px(left), Px(top));
@@ -120,7 +120,9 @@ namespace {
 constexpr int kCaptionGap = 3;  // between a caption and the control it names
 constexpr int kEdge = 2;        // kept free inside a form's or frame's edge
 
-bool IsCaption(const QWidget* w) { return qobject_cast<const QLabel*>(w) || qobject_cast<const QCheckBox*>(w); }
+bool IsCaption(const QWidget* w) {
+  return qobject_cast<const QLabel*>(w) || qobject_cast<const QCheckBox*>(w);
+}
 
 bool SameRow(const QRect& a, const QRect& b) { return a.top() <= b.bottom() && b.top() <= a.bottom(); }
 
@@ -166,16 +168,17 @@ int FitCaptions(QWidget* form) {
       lacking = std::max(lacking, x + need.width() - limit);
       continue;
     }
-    const QRect lines = label->fontMetrics().boundingRect(QRect(0, 0, limit - floor, 1000), Qt::TextWordWrap,
-                                                          label->text());
+    const QRect lines =
+        label->fontMetrics().boundingRect(QRect(0, 0, limit - floor, 1000), Qt::TextWordWrap, label->text());
     lacking = std::max(lacking, lines.width() - (limit - floor));
     const auto* frame = qobject_cast<const QGroupBox*>(parent);
     const int top = frame ? FrameCaptionRect(frame).bottom() + 1 : 0;
     label->setWordWrap(true);
-    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);  // its lines end at the control, as one line would
+    label->setAlignment(Qt::AlignRight |
+                        Qt::AlignVCenter);  // its lines end at the control, as one line would
     label->setGeometry(std::max(floor, limit - lines.width()),
-                       std::max(top, row.center().y() - lines.height() / 2), std::min(lines.width(), limit - floor),
-                       lines.height());
+                       std::max(top, row.center().y() - lines.height() / 2),
+                       std::min(lines.width(), limit - floor), lines.height());
   }
   return lacking;
 }
@@ -189,7 +192,8 @@ void FitDropDown(QComboBox* list) {
       limit = std::min(limit, sibling->x() - kCaptionGap);
     }
   }
-  list->resize(std::max(list->width(), std::min(list->sizeHint().width(), limit - list->x())), list->height());
+  list->resize(std::max(list->width(), std::min(list->sizeHint().width(), limit - list->x())),
+               list->height());
 }
 
 void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel) {

@@ -1,9 +1,9 @@
 #include "forms/QtSeams.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QMessageBox>
-#include <QFileInfo>
 #include <QSettings>
 #include <QSpacerItem>
 #include <QStandardPaths>
@@ -110,8 +110,8 @@ std::string QtSettingsStore::GetSetting(const std::string& app, const std::strin
   return value.toString().toStdString();
 }
 
-void QtSettingsStore::SaveSetting(const std::string& app, const std::string& section,
-                                  const std::string& key, const std::string& value) {
+void QtSettingsStore::SaveSetting(const std::string& app, const std::string& section, const std::string& key,
+                                  const std::string& value) {
   if (!Problem(app).isEmpty()) return;
   QSettings settings(File(app), QSettings::IniFormat);
   settings.setValue(KeyPath(section, key), QString::fromStdString(value));

@@ -34,8 +34,7 @@ class QtSettingsStore : public SettingsStore {
   // window before it shows: only a regular file (or none yet) is used.
   QString Problem(const std::string& app) const;
 
-  std::string GetSetting(const std::string& app, const std::string& section,
-                         const std::string& key) override;
+  std::string GetSetting(const std::string& app, const std::string& section, const std::string& key) override;
   void SaveSetting(const std::string& app, const std::string& section, const std::string& key,
                    const std::string& value) override;
 

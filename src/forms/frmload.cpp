@@ -20,11 +20,13 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   ShowNameWhole(Text1_);
   Text4_ = MakeChild<QLineEdit>(this, "Text4", Twips(2280, 3045, 1005, 285));
   Text3_ = MakeChild<QLineEdit>(this, "Text3", Twips(2280, 3510, 1005, 315));
-  Check1_ = MakeChild<QCheckBox>(this, "Check1", Twips(705, 4005, 1455, 360), QStringLiteral("OffsetAddress"));
+  Check1_ =
+      MakeChild<QCheckBox>(this, "Check1", Twips(705, 4005, 1455, 360), QStringLiteral("OffsetAddress"));
   Text2_ = MakeChild<QLineEdit>(this, "Text2", Twips(2175, 4020, 1110, 315));
   Text2_->setText(QStringLiteral("0"));
   Command1_ = MakeChild<QPushButton>(this, "Command1", Twips(3960, 3300, 1125, 390), QStringLiteral("Load"));
-  Command2_ = MakeChild<QPushButton>(this, "Command2", Twips(3960, 3945, 1125, 390), QStringLiteral("Cancel"));
+  Command2_ =
+      MakeChild<QPushButton>(this, "Command2", Twips(3960, 3945, 1125, 390), QStringLiteral("Cancel"));
   Drive1_ = MakeChild<DriveListBox>(this, "Drive1", Twips(300, 405, 1965, 285));
   MakeLabel(this, "Label1", QStringLiteral("File Name"), 600, 2580, 705, 195);
   MakeLabel(this, "Label3", QStringLiteral("LastAddress"), 1140, 3540, 930, 255);

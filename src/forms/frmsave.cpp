@@ -59,7 +59,8 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   Combo3_ = MakeList(frame2, "Combo3", Twips(1455, 1965, 1110, 315), kSumFormats);
 
   Command5_ = MakeChild<QPushButton>(this, "Command5", Twips(7485, 2610, 1500, 390), QStringLiteral("Save"));
-  Command2_ = MakeChild<QPushButton>(this, "Command2", Twips(7485, 3135, 1500, 390), QStringLiteral("Cancel"));
+  Command2_ =
+      MakeChild<QPushButton>(this, "Command2", Twips(7485, 3135, 1500, 390), QStringLiteral("Cancel"));
 
   for (auto* box : {Text7_, Text6_, Text4_}) box->setFont(MonoFont());
   HookKeyFilter(Text7_, FilterAddressKey);
@@ -68,7 +69,7 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   SetDefaultAndCancel(Command5_, Command2_);
   for (auto* list : {Combo1_, Combo2_, Combo3_}) FitDropDown(list);
   FitCaptions(this);
-  QWidget* order[] = {Dir2_,  File2_, Text5_, Combo1_,  Combo2_,   Text7_,
+  QWidget* order[] = {Dir2_,  File2_, Text5_,  Combo1_,   Combo2_,   Text7_,
                       Text6_, Text4_, Combo3_, Command5_, Command2_, Drive2_};
   for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
   Dir2_->setFocus();

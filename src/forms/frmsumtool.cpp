@@ -45,8 +45,10 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   setCentralWidget(client);
 
   auto* frame1 = MakeFrame(client, "Frame1", QStringLiteral("File Operation"), Twips(255, 210, 2685, 2070));
-  cmdload_ = MakeChild<QPushButton>(frame1, "cmdload", Twips(240, 270, 2160, 420), QStringLiteral("File Load"));
-  cmdsave_ = MakeChild<QPushButton>(frame1, "cmdsave", Twips(240, 690, 2160, 420), QStringLiteral("File Save"));
+  cmdload_ =
+      MakeChild<QPushButton>(frame1, "cmdload", Twips(240, 270, 2160, 420), QStringLiteral("File Load"));
+  cmdsave_ =
+      MakeChild<QPushButton>(frame1, "cmdsave", Twips(240, 690, 2160, 420), QStringLiteral("File Save"));
   MakeLabel(frame1, "Label8", QStringLiteral("Current File (Func F4)"), 630, 1275, 1515, 195);
   Text1_ = MakeChild<QLineEdit>(frame1, "Text1", Twips(255, 1530, 2160, 360));
   Text1_->setEnabled(false);
@@ -59,9 +61,12 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   ShowNameWhole(Text1_);
 
   auto* frame2 = MakeFrame(client, "Frame2", QStringLiteral("Buffer Operation"), Twips(3075, 210, 4890, 960));
-  cmdbufclear_ = MakeChild<QPushButton>(frame2, "cmdbufclear", Twips(255, 300, 1125, 450), QStringLiteral("Buffer Clear"));
-  cmdblstore_ = MakeChild<QPushButton>(frame2, "cmdblstore", Twips(1815, 300, 1125, 450), QStringLiteral("Block Store"));
-  cmdbufsum_ = MakeChild<QPushButton>(frame2, "cmdbufsum", Twips(3360, 300, 1125, 450), QStringLiteral("Buffer SUM"));
+  cmdbufclear_ = MakeChild<QPushButton>(frame2, "cmdbufclear", Twips(255, 300, 1125, 450),
+                                        QStringLiteral("Buffer Clear"));
+  cmdblstore_ = MakeChild<QPushButton>(frame2, "cmdblstore", Twips(1815, 300, 1125, 450),
+                                       QStringLiteral("Block Store"));
+  cmdbufsum_ =
+      MakeChild<QPushButton>(frame2, "cmdbufsum", Twips(3360, 300, 1125, 450), QStringLiteral("Buffer SUM"));
 
   auto* frame3 = MakeFrame(client, "Frame3", QStringLiteral("Buffer Dump"), Twips(3060, 1170, 4905, 2445));
   auto* cmdedit =
@@ -71,15 +76,18 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   HookKeyFilter(txteditaddr_, FilterAddressKey);
   QFont stepFont = font();
   stepFont.setPointSizeF(13.5);
-  cmdeditplus_ = MakeChild<QPushButton>(frame3, "cmdeditplus", Twips(3465, 255, 465, 465), QStringLiteral("+"));
-  cmdeditminus_ = MakeChild<QPushButton>(frame3, "cmdeditminus", Twips(3930, 255, 465, 465), QStringLiteral("-"));
+  cmdeditplus_ =
+      MakeChild<QPushButton>(frame3, "cmdeditplus", Twips(3465, 255, 465, 465), QStringLiteral("+"));
+  cmdeditminus_ =
+      MakeChild<QPushButton>(frame3, "cmdeditminus", Twips(3930, 255, 465, 465), QStringLiteral("-"));
   cmdeditplus_->setFont(stepFont);
   cmdeditminus_->setFont(stepFont);
   List1_ = MakeChild<QListWidget>(frame3, "List1", Twips(75, 780, 4755, 1530));
   List1_->setFont(MonoFont());
   List1_->setSelectionMode(QAbstractItemView::SingleSelection);
 
-  auto* frame4 = MakeFrame(client, "Frame4", QStringLiteral("Buffer Area (Func D6)"), Twips(255, 2460, 2685, 1155));
+  auto* frame4 =
+      MakeFrame(client, "Frame4", QStringLiteral("Buffer Area (Func D6)"), Twips(255, 2460, 2685, 1155));
   txtbuffaddr_ = MakeAddressBox(frame4, "txtbuffaddr", Twips(1320, 300, 975, 330));
   txtbufladdr_ = MakeAddressBox(frame4, "txtbufladdr", Twips(1320, 660, 975, 330));
   for (auto* box : {txtbuffaddr_, txtbufladdr_}) {
@@ -96,8 +104,8 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   FitCaptions(client);
 
   // Focus follows the design's tab index.
-  QWidget* order[] = {cmdload_, cmdsave_, cmdbufclear_, cmdblstore_, cmdbufsum_, cmdedit,
-                      txteditaddr_, cmdeditplus_, cmdeditminus_, List1_};
+  QWidget* order[] = {cmdload_, cmdsave_,     cmdbufclear_, cmdblstore_,   cmdbufsum_,
+                      cmdedit,  txteditaddr_, cmdeditplus_, cmdeditminus_, List1_};
   for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
   cmdload_->setFocus();
   setAcceptDrops(true);

@@ -36,13 +36,10 @@ Address HexGroupValue(std::string_view group) {
 
 Address AddressFromText(std::string_view text) {
   const std::size_t n = std::min<std::size_t>(text.size(), 4);
-  return HexGroupValue(text.substr(0, n)) * 65536 +
-         HexGroupValue(text.substr(text.size() - n));
+  return HexGroupValue(text.substr(0, n)) * 65536 + HexGroupValue(text.substr(text.size() - n));
 }
 
-std::string PadAddressText(std::string_view text) {
-  return LastChars("0000000" + std::string(text), 8);
-}
+std::string PadAddressText(std::string_view text) { return LastChars("0000000" + std::string(text), 8); }
 
 std::string AddressToText(Address value) {
   // Floor division keeps the halves whole for any value the program forms.

@@ -4,7 +4,9 @@ namespace kestrum {
 
 namespace {
 
-bool PassesAtAnyLength(int code) { return code == kKeyBackspace || code == '%' || code == '\'' || code == '.'; }
+bool PassesAtAnyLength(int code) {
+  return code == kKeyBackspace || code == '%' || code == '\'' || code == '.';
+}
 
 int Filter(std::string_view text, int code, std::size_t limit, bool signs) {
   const bool full = text.size() >= limit;

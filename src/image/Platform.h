@@ -7,7 +7,7 @@
 namespace kestrum {
 
 // Message box styles.
-constexpr int vbOKOnly = 0;        // OK, no icon, no title of its own
+constexpr int vbOKOnly = 0;             // OK, no icon, no title of its own
 constexpr int vbQuestionYesNo = 36;     // Yes/No, question icon, a title
 constexpr int vbExclamationYesNo = 52;  // Yes/No (Yes default), exclamation icon, a title
 

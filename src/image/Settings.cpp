@@ -18,8 +18,8 @@ std::string MemorySettings::GetSetting(const std::string& app, const std::string
   return it == values.end() ? std::string() : it->second;
 }
 
-void MemorySettings::SaveSetting(const std::string& app, const std::string& section,
-                                 const std::string& key, const std::string& value) {
+void MemorySettings::SaveSetting(const std::string& app, const std::string& section, const std::string& key,
+                                 const std::string& value) {
   values[{app, section, key}] = value;
 }
 

@@ -18,8 +18,8 @@ class SettingsStore {
   // The stored text, or empty when there is none.
   virtual std::string GetSetting(const std::string& app, const std::string& section,
                                  const std::string& key) = 0;
-  virtual void SaveSetting(const std::string& app, const std::string& section,
-                           const std::string& key, const std::string& value) = 0;
+  virtual void SaveSetting(const std::string& app, const std::string& section, const std::string& key,
+                           const std::string& value) = 0;
 
   // The stored text of key in section of "Morvi", or fallback when empty.
   std::string Read(const std::string& section, const std::string& key, const std::string& fallback);
@@ -29,8 +29,7 @@ class SettingsStore {
 // A store that lives in memory: for the command line and for tests.
 class MemorySettings : public SettingsStore {
  public:
-  std::string GetSetting(const std::string& app, const std::string& section,
-                         const std::string& key) override;
+  std::string GetSetting(const std::string& app, const std::string& section, const std::string& key) override;
   void SaveSetting(const std::string& app, const std::string& section, const std::string& key,
                    const std::string& value) override;
 

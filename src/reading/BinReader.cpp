@@ -20,13 +20,16 @@ bool ReadBin(RecordTarget& target, ByteSource& source, std::uint64_t length, Add
   if (end < LoadFirst || end < start) return true;
   const Address first = std::max(start, LoadFirst);
   if (first > start && !source.Skip(static_cast<std::uint64_t>(first - start))) return false;
-  std::vector<std::uint8_t> piece(target.observer ? static_cast<std::size_t>(std::min<Address>(end - first + 1, kPiece)) : 0);
+  std::vector<std::uint8_t> piece(
+      target.observer ? static_cast<std::size_t>(std::min<Address>(end - first + 1, kPiece)) : 0);
   for (Address at = first; at <= end;) {
     const auto count = static_cast<std::size_t>(std::min<Address>(end - at + 1, kPiece));
     std::uint8_t* into = target.observer ? piece.data() : m.Buffer.data() + (at - m.BufFirst);
     if (source.Read(into, count) != count) return false;
-    if (target.observer) target.observer->Data(at, into, count);
-    else target.stored += count;
+    if (target.observer)
+      target.observer->Data(at, into, count);
+    else
+      target.stored += count;
     at += static_cast<Address>(count);
   }
   return true;

@@ -74,7 +74,8 @@ bool PlainlyStarts(std::string_view head, LoadFormat format) {
 }  // namespace
 
 FormatDecision DecideFormat(std::string_view extension, std::string_view head, ReadingMode mode) {
-  if (mode == ReadingMode::Tolerant) head.remove_prefix(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
+  if (mode == ReadingMode::Tolerant)
+    head.remove_prefix(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
   FormatDecision decision;
   if (FormatByExtension(extension, decision.format)) {
     if (mode == ReadingMode::Window || decision.format == LoadFormat::BIN) return decision;

@@ -19,7 +19,8 @@ int ChecksumOf(int sum) { return (256 - (sum & 0xFF)) & 0xFF; }
 
 }  // namespace
 
-RecordStatus HexReader::ReadLine(RecordTarget& target, const Line& line, Address LoadFirst, Address LoadLast) {
+RecordStatus HexReader::ReadLine(RecordTarget& target, const Line& line, Address LoadFirst,
+                                 Address LoadLast) {
   const std::string_view text = line.text;
   const int count = HexPairAt(text, kCountColumn);
   if (count < 0 || line.length != kFrameLength + 2 * static_cast<std::uint64_t>(count) || !line.Whole())
@@ -51,7 +52,8 @@ RecordStatus HexReader::DataRecord(RecordTarget& target, std::string_view text, 
   const RecordClip clip = ClipRecord(record, count, LoadFirst, LoadLast);
   if (clip.passedOver) return RecordStatus::Ok;
 
-  const int dataSum = StoreData(target, text.data() + kDataColumn - 1, static_cast<std::size_t>(count), record, clip);
+  const int dataSum =
+      StoreData(target, text.data() + kDataColumn - 1, static_cast<std::size_t>(count), record, clip);
   if (dataSum < 0) return RecordStatus::FormatError;
   const int sum = count + high + low + kData + dataSum;
   return ChecksumOf(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;

@@ -198,8 +198,10 @@ LineEndCount CountLineEnds(ByteSource& source) {
   for (std::size_t got; (got = source.Read(block.data(), block.size())) > 0;) {
     for (std::size_t i = 0; i < got; ++i) {
       const char c = static_cast<char>(block[i]);
-      if (c == kLf) afterCr ? ++count.crlf : ++count.lf;
-      else if (afterCr) ++count.cr;
+      if (c == kLf)
+        afterCr ? ++count.crlf : ++count.lf;
+      else if (afterCr)
+        ++count.cr;
       afterCr = c == kCr;
     }
   }

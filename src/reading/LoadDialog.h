@@ -12,15 +12,15 @@ namespace kestrum {
 
 // The fields of the File Load dialog.
 struct LoadFields {
-  std::string Text1;          // the picked file's name, as the file list gave it
-  std::string Text4;          // first address
-  std::string Text3;          // last address
-  bool Check1 = false;        // offset wanted
-  std::string Text2 = "0";    // the signed offset
-  bool Text2Visible = false;  // follows Check1
-  std::string Drive1;         // the drive list's drive
-  std::string Dir1;           // the folder list's path
-  std::string File1;          // the file list's pick, empty when none
+  std::string Text1;            // the picked file's name, as the file list gave it
+  std::string Text4;            // first address
+  std::string Text3;            // last address
+  bool Check1 = false;          // offset wanted
+  std::string Text2 = "0";      // the signed offset
+  bool Text2Visible = false;    // follows Check1
+  std::string Drive1;           // the drive list's drive
+  std::string Dir1;             // the folder list's path
+  std::string File1;            // the file list's pick, empty when none
   bool Command1Enabled = true;  // Load
   bool Command2Enabled = true;  // Cancel
 

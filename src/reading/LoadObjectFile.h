@@ -25,8 +25,8 @@ struct LoadReport {
   Outcome outcome = Outcome::Loaded;
   LoadFormat format = LoadFormat::BIN;
   FormatBasis basis = FormatBasis::Extension;
-  std::uint64_t line = 0;  // the failing record's line, counted from 1
-  std::string message;     // the words the message box showed
+  std::uint64_t line = 0;         // the failing record's line, counted from 1
+  std::string message;            // the words the message box showed
   std::uint64_t length = 0;       // of the file, in bytes
   std::uint64_t lines = 0;        // lines read, by the reading mode's count
   std::uint64_t dataRecords = 0;  // data records read, stored or passed over
@@ -58,6 +58,7 @@ LoadReport LoadObjectFile(Module1& m, Platform& platform, Address LoadFirst, Add
 
 // The same load over bytes in memory; messages name m.LoadFileName.
 LoadReport LoadObjectBytes(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                           const std::string& bareName, std::string_view bytes, const LoadOptions& options = {});
+                           const std::string& bareName, std::string_view bytes,
+                           const LoadOptions& options = {});
 
 }  // namespace kestrum

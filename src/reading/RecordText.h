@@ -89,7 +89,8 @@ inline int DecodePairs(const char* text, std::size_t count, std::uint8_t* out) {
       std::uint32_t bytes;
       if (!detail::DecodeEight(text + 2 * i, bytes)) return -1;
       std::memcpy(out + i, &bytes, 4);
-      sum += static_cast<int>((bytes & 0xFF) + ((bytes >> 8) & 0xFF) + ((bytes >> 16) & 0xFF) + (bytes >> 24));
+      sum +=
+          static_cast<int>((bytes & 0xFF) + ((bytes >> 8) & 0xFF) + ((bytes >> 16) & 0xFF) + (bytes >> 24));
     }
   }
   for (; i < count; ++i) {
@@ -160,7 +161,8 @@ inline int StoreData(RecordTarget& target, const char* data, std::size_t count, 
     const int sum = DecodePairs(data, count, bytes);
     if (sum >= 0) {
       if (clip.last >= clip.first)
-        std::memcpy(&m.At(clip.first), bytes + (clip.first - record), static_cast<std::size_t>(clip.last - clip.first + 1));
+        std::memcpy(&m.At(clip.first), bytes + (clip.first - record),
+                    static_cast<std::size_t>(clip.last - clip.first + 1));
       return sum;
     }
   }

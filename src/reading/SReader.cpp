@@ -16,9 +16,8 @@ constexpr int kMaxCount = 255;
 // 8 digits of address text it gives with zeros in front.
 Address RecordAddress(std::string_view text, int K) {
   const std::size_t width = 2 * static_cast<std::size_t>(K) + 2;
-  const std::string_view field = text.size() > kAddressColumn - 1
-                                     ? text.substr(kAddressColumn - 1, width)
-                                     : std::string_view();
+  const std::string_view field =
+      text.size() > kAddressColumn - 1 ? text.substr(kAddressColumn - 1, width) : std::string_view();
   Address value = 0;
   bool plain = field.size() == width;
   for (std::size_t i = 0; plain && i < width; i += 2) {
@@ -66,7 +65,8 @@ RecordStatus LoadSRecord(RecordTarget& target, int K, const Line& line, Address 
   const char* pairs = text.data() + kCountColumn - 1;
   const int headerPairs = K + 2;
   std::uint8_t header[5];
-  const int headerSum = count >= headerPairs ? DecodePairs(pairs, static_cast<std::size_t>(headerPairs), header) : -1;
+  const int headerSum =
+      count >= headerPairs ? DecodePairs(pairs, static_cast<std::size_t>(headerPairs), header) : -1;
   Address address = 0;
   if (headerSum >= 0) {
     for (int i = 1; i < headerPairs; ++i) address = address * 256 + header[i];
@@ -89,7 +89,8 @@ RecordStatus LoadSRecord(RecordTarget& target, int K, const Line& line, Address 
     std::uint8_t bytes[kMaxCount];
     sum = DecodePairs(pairs, static_cast<std::size_t>(count), bytes);
     if (sum < 0) {
-      if (n > 0 && !target.observer) StoreData(target, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
+      if (n > 0 && !target.observer)
+        StoreData(target, pairs + 2 * headerPairs, static_cast<std::size_t>(n), record, clip);
       return RecordStatus::FormatError;
     }
   }

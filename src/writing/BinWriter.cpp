@@ -20,7 +20,8 @@ SaveOutcome SaveBinFile(Module1& m, Platform& platform, const std::string& FileN
   for (std::uint64_t done = 0; done < size;) {
     progress.At(m.SaveFirst + static_cast<Address>(done));
     const std::uint64_t piece = std::min(kPiece, size - done);
-    if (!file.Write(bytes + done, static_cast<std::size_t>(piece))) return ReportFileFailure(m, platform, file);
+    if (!file.Write(bytes + done, static_cast<std::size_t>(piece)))
+      return ReportFileFailure(m, platform, file);
     done += piece;
   }
   if (!options.replaceWhole && !file.AppendOldTail(size)) return ReportFileFailure(m, platform, file);

@@ -62,8 +62,8 @@ SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileN
       out = PutBase(out, upper);
     }
     const unsigned offset = static_cast<unsigned>(address - (Address{upper} << 16));
-    const unsigned n = static_cast<unsigned>(address + length - 1 <= m.BufLast ? length
-                                                                               : m.BufLast - address + 1);
+    const unsigned n =
+        static_cast<unsigned>(address + length - 1 <= m.BufLast ? length : m.BufLast - address + 1);
     *out++ = ':';
     out = records::PutByte(out, n);
     out = records::PutWord(out, offset);

@@ -178,7 +178,8 @@ bool OutputFile::AppendOldTail(std::uint64_t offset) {
     const std::size_t want = left < kChunk ? static_cast<std::size_t>(left) : kChunk;
     errno = 0;
     const std::size_t got = std::fread(chunk.get(), 1, want, old.get());
-    if (got == 0) return Fail("keep the end of", std::ferror(old.get()) ? Reason(errno) : "it became shorter");
+    if (got == 0)
+      return Fail("keep the end of", std::ferror(old.get()) ? Reason(errno) : "it became shorter");
     if (!Write(chunk.get(), got)) return false;
     left -= got;
   }
@@ -222,8 +223,7 @@ bool OutputFile::Replace() {
   return true;
 }
 
-TextOutput::TextOutput(OutputFile& file)
-    : file_(file), block_(static_cast<char*>(AllocatePages(kBlock))) {
+TextOutput::TextOutput(OutputFile& file) : file_(file), block_(static_cast<char*>(AllocatePages(kBlock))) {
   next_ = block_.get();
   end_ = block_ ? next_ + kBlock : next_;
   if (!block_) file_.Fail("write", "out of memory");

@@ -40,8 +40,8 @@ SaveOutcome SaveSFile(Module1& m, Platform& platform, const std::string& FileNam
   for (Address address = m.SaveFirst; address <= m.SaveLast; address += length) {
     progress.At(address);
     const RecordType type = TypeFor(address);
-    const unsigned n = static_cast<unsigned>(address + length - 1 <= m.SaveLast ? length
-                                                                                : m.SaveLast - address + 1);
+    const unsigned n =
+        static_cast<unsigned>(address + length - 1 <= m.SaveLast ? length : m.SaveLast - address + 1);
     const unsigned count = n + static_cast<unsigned>(type.addressBytes) + 1;
     if (count > kMaxCount) {
       m.FileError = -1;

@@ -195,9 +195,12 @@ bool Command5_Click(SaveFields& f, Module1& m, Platform& platform, SettingsStore
   m.FileError = 0;
   std::string notice;
   if (type != kYsmOnly) {
-    if (format == 0) SaveBinFile(m, platform, objectPath, options);
-    else if (format == 1) SaveHexFile(m, platform, objectPath);
-    else SaveSFile(m, platform, objectPath, options);
+    if (format == 0)
+      SaveBinFile(m, platform, objectPath, options);
+    else if (format == 1)
+      SaveHexFile(m, platform, objectPath);
+    else
+      SaveSFile(m, platform, objectPath, options);
     notice = kObjectFormats[static_cast<std::size_t>(format)];
   }
   if (type != kObjectOnly) {

@@ -17,16 +17,16 @@ inline const std::vector<std::string> kObjectFormats = {"BIN", "HEX", "S"};
 inline const std::vector<std::string> kSumFormats = {"8-8SUM", "8-16SUM", "16-16SUM"};
 
 struct SaveFields {
-  std::string Drive2;               // the chosen drive: a root of the file system
-  std::string Dir2;                 // the folder; only a root ends with a separator
-  std::vector<std::string> File2;   // the names listed when the folder was last set
-  std::string Text5;                // the file name
-  std::string Text7;                // first address
-  std::string Text6;                // last address
-  std::string Text4;                // record length
-  std::string Combo1;               // file type
-  std::string Combo2;               // object format
-  std::string Combo3;               // sum format
+  std::string Drive2;              // the chosen drive: a root of the file system
+  std::string Dir2;                // the folder; only a root ends with a separator
+  std::vector<std::string> File2;  // the names listed when the folder was last set
+  std::string Text5;               // the file name
+  std::string Text7;               // first address
+  std::string Text6;               // last address
+  std::string Text4;               // record length
+  std::string Combo1;              // file type
+  std::string Combo2;              // object format
+  std::string Combo3;              // sum format
   bool Combo2Enabled = true;
   bool Combo3Enabled = true;
   bool Text4Enabled = true;

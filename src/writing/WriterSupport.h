@@ -24,8 +24,11 @@ inline SaveOutcome Finish(Module1& m, Platform& platform, OutputFile& file) {
 // mebibyte of the image.
 class RangeProgress {
  public:
-  RangeProgress(const Module1& m, const WriteOptions& options) : options_(options), first_(m.SaveFirst),
-      total_(static_cast<std::uint64_t>(m.SaveLast - m.SaveFirst + 1)), next_(options.progress ? first_ : kNever) {}
+  RangeProgress(const Module1& m, const WriteOptions& options)
+      : options_(options),
+        first_(m.SaveFirst),
+        total_(static_cast<std::uint64_t>(m.SaveLast - m.SaveFirst + 1)),
+        next_(options.progress ? first_ : kNever) {}
   void At(Address address) {
     if (address < next_) return;
     options_.progress(static_cast<std::uint64_t>(address - first_), total_);

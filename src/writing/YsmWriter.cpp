@@ -49,9 +49,12 @@ SaveOutcome SaveYsmFile(Module1& m, Platform& platform, const std::string& FileN
                      EqualsIgnoreCase(sumFormat, "16-16SUM");
   if (known) {
     const Sums sums = SumRange(m, m.SaveFirst, m.SaveLast);
-    if (EqualsIgnoreCase(sumFormat, "8-8SUM")) content = SumLine(sums.sum8_8, 1);
-    else if (EqualsIgnoreCase(sumFormat, "8-16SUM")) content = SumLine(sums.sum8_16, 2);
-    else content = SumLine(sums.sum16_16, 2);
+    if (EqualsIgnoreCase(sumFormat, "8-8SUM"))
+      content = SumLine(sums.sum8_8, 1);
+    else if (EqualsIgnoreCase(sumFormat, "8-16SUM"))
+      content = SumLine(sums.sum8_16, 2);
+    else
+      content = SumLine(sums.sum16_16, 2);
     content += kFixedLines;
   }
   if (!file.Write(content.data(), content.size())) return ReportFileFailure(m, platform, file);

@@ -30,8 +30,13 @@ const Button kDump = cmdedit_Click, kPlus = cmdeditplus_Click, kMinus = cmdeditm
 TEST(Dump, PagesMovesAndRefusals) {
   // shown: txteditaddr afterwards, the first row's address; lastRow: the bytes in the last row;
   // 0 rows: "Dump Address Error!" and the old dump stays.
-  const struct { Address bufFirst, bufLast; const char* typed; Button button; const char* shown; int rows, lastRow; }
-  cases[] = {
+  const struct {
+    Address bufFirst, bufLast;
+    const char* typed;
+    Button button;
+    const char* shown;
+    int rows, lastRow;
+  } cases[] = {
       {0, 0x7FFFF, "5", kDump, "00000005", 7, 16},
       {0, 0x7FFFF, "7FFFF", kDump, "0007FFFF", 1, 1},
       {0, 0x7FFFF, "7FF9F", kDump, "0007FF9F", 7, 1},     // start + 96 = BufLast
@@ -61,7 +66,8 @@ TEST(Dump, PagesMovesAndRefusals) {
     ScriptedPlatform platform;
     c.button(m, platform);
     EXPECT_EQ(m.frmsumtool.txteditaddr, c.shown);
-    EXPECT_EQ(m.frmsumtool.cmdeditplusEnabled && m.frmsumtool.cmdeditminusEnabled, c.button == kDump && c.rows > 0);
+    EXPECT_EQ(m.frmsumtool.cmdeditplusEnabled && m.frmsumtool.cmdeditminusEnabled,
+              c.button == kDump && c.rows > 0);
     if (c.rows == 0) {
       EXPECT_EQ(platform.messages, (std::vector<test::Message>{{"Dump Address Error!", vbOKOnly, ""}}));
       EXPECT_EQ(m.frmsumtool.List1, std::vector<std::string>{"old row"});
@@ -80,7 +86,10 @@ TEST(Dump, PagesMovesAndRefusals) {
 }
 
 TEST(Calculate, WorkedNumbersWrapsAndHalfWords) {
-  const struct { Address bufFirst, bufLast; const char *first, *last, *results; } cases[] = {
+  const struct {
+    Address bufFirst, bufLast;
+    const char *first, *last, *results;
+  } cases[] = {
       // 12 34 56 78 9A BC DE F0 at 00001000, and at 80001000 in the area from 80000000.
       {0, 0x7FFFF, "00001000", "00001005", "6A 026A 0368"},
       {0, 0x7FFFF, "00001001", "00001006", "36 0336 CF68"},
@@ -110,7 +119,9 @@ TEST(Calculate, WorkedNumbersWrapsAndHalfWords) {
 }
 
 TEST(Calculate, ChecksInOrderAndKeepsTheLastResults) {
-  const struct { const char *text6, *text7, *message, *shown6, *shown7; } cases[] = {
+  const struct {
+    const char *text6, *text7, *message, *shown6, *shown7;
+  } cases[] = {
       // Area 00001000..00001FFF.
       {"", "", "First Address Error!", "", ""},
       {"1000", "", "Last Address Error!", "1000", ""},
@@ -143,7 +154,11 @@ TEST(SumDialog, OpensFromTheStoreOrTheArea) {
 }
 
 TEST(StoreBlock, FillsTheRangeAndWrapsPastTheEnd) {
-  const struct { Address first, last; std::vector<std::pair<Address, Address>> stored; } cases[] = {  // inclusive
+  const struct {
+    Address first, last;
+    std::vector<std::pair<Address, Address>> stored;
+  } cases[] = {
+      // inclusive
       {0x1234, 0x1234, {{0x1234, 0x1234}}},
       {0x1000, 0x1FFF, {{0x1000, 0x1FFF}}},
       {0x1FF0, 0x100F, {{0x1FF0, 0x1FFF}, {0x1000, 0x100F}}},
@@ -165,12 +180,16 @@ TEST(StoreBlock, FillsTheRangeAndWrapsPastTheEnd) {
 }
 
 TEST(StoreDataValue, ReadsTheLeadingDigitsOfAByte) {
-  const std::pair<const char*, int> cases[] = {{"ff", 0xFF}, {"7'5", 7}, {".5", -1}, {"123", -1}, {"0FF", 0xFF}};
+  const std::pair<const char*, int> cases[] = {
+      {"ff", 0xFF}, {"7'5", 7}, {".5", -1}, {"123", -1}, {"0FF", 0xFF}};
   for (const auto& [text, value] : cases) EXPECT_EQ(StoreDataValue(text), value) << '"' << text << '"';
 }
 
 TEST(StoreButton, StoresOrRefusesWithTheFirstBadField) {
-  const struct { StoreFields in; const char *message, *shown1, *shown2; } cases[] = {
+  const struct {
+    StoreFields in;
+    const char *message, *shown1, *shown2;
+  } cases[] = {
       {{"1000", "1FFF", "A."}, "Block Store Complete!", "00001000", "00001FFF"},
       {{"", "", ""}, "First Address Error!", "", ""},
       {{"1000", "", ""}, "Last Address Error!", "1000", ""},
@@ -208,7 +227,10 @@ TEST(StoreButton, StoresOrRefusesWithTheFirstBadField) {
 
 TEST(BufferArea, NewAreaIsClearedShownAndStoredOrNothingChanges) {
   // message: "" when the area changes; busy: the pointer went to the hourglass and back.
-  const struct { const char *text1, *text2, *shown1, *shown2, *message; bool busy; } cases[] = {
+  const struct {
+    const char *text1, *text2, *shown1, *shown2, *message;
+    bool busy;
+  } cases[] = {
       {"FF", "FFFF", "000000FF", "0000FFFF", "", true},
       {"00001000", "00001000", "00001000", "00001000", "", true},
       {"123456789", "12346FFF", "123456789", "12346FFF", "", true},  // 9 characters stay
@@ -236,7 +258,8 @@ TEST(BufferArea, NewAreaIsClearedShownAndStoredOrNothingChanges) {
       EXPECT_TRUE(store.values.empty());
       continue;
     }
-    EXPECT_EQ(std::pair(m.BufFirst, m.BufLast), std::pair(AddressFromText(c.shown1), AddressFromText(c.shown2)));
+    EXPECT_EQ(std::pair(m.BufFirst, m.BufLast),
+              std::pair(AddressFromText(c.shown1), AddressFromText(c.shown2)));
     for (Address a = m.BufFirst; a <= m.BufLast; ++a) ASSERT_EQ(m.At(a), 0xFF);
     SumToolFields shown;  // no file, no dump, step buttons off
     shown.txtbuffaddr = shown.txteditaddr = c.shown1;
@@ -245,7 +268,8 @@ TEST(BufferArea, NewAreaIsClearedShownAndStoredOrNothingChanges) {
     MemorySettings expected;
     for (const char* key : {"SUMfaddr", "storefaddr", "SaveFirst", "LoadFirst"})
       expected.Write(kAddress, key, c.shown1);
-    for (const char* key : {"SUMladdr", "storeladdr", "SaveLast", "LoadLast"}) expected.Write(kAddress, key, c.shown2);
+    for (const char* key : {"SUMladdr", "storeladdr", "SaveLast", "LoadLast"})
+      expected.Write(kAddress, key, c.shown2);
     expected.Write(kAddress, "storedata", "10");
     EXPECT_EQ(store.values, expected.values);
   }

@@ -18,7 +18,10 @@ std::uint64_t CrcOf(const std::string& model, const std::string& bytes, CrcPath 
 }
 
 TEST(Crc, CheckValuesOverTheNineDigits) {
-  const struct { const char* model; std::uint64_t check; } cases[] = {
+  const struct {
+    const char* model;
+    std::uint64_t check;
+  } cases[] = {
       {"CRC-32/ISO-HDLC", 0xCBF43926},
       {"CRC-32/MPEG-2", 0x0376E6E7},
       {"CRC-32/ISCSI", 0xE3069283},
@@ -33,9 +36,9 @@ TEST(Crc, CheckValuesOverTheNineDigits) {
       {"CRC-16/KERMIT", 0x2189},
       {"CRC-8/SMBUS", 0xF4},
       {"custom:20,04C11DB7,FFFFFFFF,true,true,FFFFFFFF", 0xCBF43926},
-      {"custom:3,3,7,TRUE,true,0", 0x6},                  // CRC-3/ROHC: narrower than a byte, reflected
-      {"custom:7,09,0,false,false,0", 0x75},              // CRC-7/MMC: narrower than a byte, normal
-      {"custom:C,80F,0,false,true,0", 0xDAF},             // CRC-12/UMTS: only the output reflected
+      {"custom:3,3,7,TRUE,true,0", 0x6},       // CRC-3/ROHC: narrower than a byte, reflected
+      {"custom:7,09,0,false,false,0", 0x75},   // CRC-7/MMC: narrower than a byte, normal
+      {"custom:C,80F,0,false,true,0", 0xDAF},  // CRC-12/UMTS: only the output reflected
       {"custom:40,42F0E1EBA9EA3693,0,false,false,0", 0x6C40DF5F0B497347},  // CRC-64/ECMA-182
       {"custom:40,42F0E1EBA9EA3693,FFFFFFFFFFFFFFFF,true,true,FFFFFFFFFFFFFFFF", 0x995DC9BBDF1939FA},  // /XZ
   };
@@ -50,9 +53,9 @@ TEST(Crc, TheFoldGivesTheTablesValueAtEveryLength) {
   std::string bytes(100001, '\0');
   std::mt19937 random(7);
   for (auto& b : bytes) b = static_cast<char>(random());
-  for (const char* model : {"CRC-32/ISO-HDLC", "CRC-32/BZIP2", "CRC-16/XMODEM", "CRC-8/SMBUS",
-                            "custom:C,80F,0,false,true,0", "custom:40,42F0E1EBA9EA3693,0,true,false,0",
-                            "custom:5,5,1F,true,true,1F"}) {
+  for (const char* model :
+       {"CRC-32/ISO-HDLC", "CRC-32/BZIP2", "CRC-16/XMODEM", "CRC-8/SMBUS", "custom:C,80F,0,false,true,0",
+        "custom:40,42F0E1EBA9EA3693,0,true,false,0", "custom:5,5,1F,true,true,1F"}) {
     for (std::size_t n : {255, 256, 257, 319, 320, 383, 4109, 100000}) {
       const std::string part = bytes.substr(1, n);
       EXPECT_EQ(CrcOf(model, part), CrcOf(model, part, CrcPath::Portable)) << model << " over " << n;

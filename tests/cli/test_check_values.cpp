@@ -30,7 +30,10 @@ TEST(CheckValues, StoredBytesForEachOrderAndComplement) {
   TempDir dir;
   WriteFile(dir / "digits.bin", "123456789");
   const std::string sums = "8-8bit=DD 8-16bit=01DD 16-16bit=09D4\n";
-  const struct { std::vector<std::string> step; std::string out; } cases[] = {
+  const struct {
+    std::vector<std::string> step;
+    std::string out;
+  } cases[] = {
       {{"crc", "0:8", "--store", "10", "--order", "be"}, "CRC-32/ISO-HDLC=CBF43926\n" + Rows("", "CBF43926")},
       {{"crc", "0:8", "--store", "10", "--order", "le"}, "CRC-32/ISO-HDLC=CBF43926\n" + Rows("", "2639F4CB")},
       {{"crc", "0:8", "--model", "CRC-16/XMODEM", "--store", "9", "--order", "le"},
@@ -63,7 +66,10 @@ TEST(CheckValues, StoredBytesForEachOrderAndComplement) {
 
 TEST(CheckValues, RefusalsChangeNothing) {
   TempDir dir;
-  const struct { std::vector<std::string> step; const char* err; } cases[] = {
+  const struct {
+    std::vector<std::string> step;
+    const char* err;
+  } cases[] = {
       {{"crc", "0:8", "--store", "1E", "--order", "be"}, "21 lies outside the area 00000000..0000001F"},
       {{"crc", "0:8", "--store", "6", "--order", "le"}, "06..00000009 lies inside the range it checks, 0000"},
       {{"sum", "0:8", "--store", "8", "--kind", "8-8", "--order", "be"}, "08..00000008 lies inside"},
@@ -101,12 +107,17 @@ TEST(CheckValues, SrecCatStoresTheSameBytes) {
   std::mt19937 random(3);
   for (auto& b : image) b = static_cast<char>(random());
   WriteFile(dir / "image.bin", image);
-  const struct { const char* filter; std::vector<std::string> step; int bytes; } cases[] = {
+  const struct {
+    const char* filter;
+    std::vector<std::string> step;
+    int bytes;
+  } cases[] = {
       {"-crc32-l-e 0x10000", {"crc", "11:FFFE", "--order", "le"}, 4},
       {"-crc16-b-e 0x10000", {"crc", "11:FFFE", "--model", "CRC-16/SPI-FUJITSU", "--order", "be"}, 2},
       {"-checksum-negative-big-endian 0x10000 1 1", {"sum", "11:FFFE", "--kind", "8-8", "--order", "be"}, 1},
       {"-checksum-negative-big-endian 0x10000 2 1", {"sum", "11:FFFE", "--kind", "8-16", "--order", "be"}, 2},
-      {"-checksum-negative-big-endian 0x10000 2 2", {"sum", "11:FFFE", "--kind", "16-16", "--order", "be"},
+      {"-checksum-negative-big-endian 0x10000 2 2",
+       {"sum", "11:FFFE", "--kind", "16-16", "--order", "be"},
        2},
   };
   for (const auto& c : cases) {

@@ -10,9 +10,8 @@
 #include <unistd.h>
 #endif
 
-#include <csignal>
-
 #include <algorithm>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -32,7 +31,8 @@ using test::ReadFile, test::RunProgram, test::TempDir, test::WriteFile;
 constexpr std::size_t kMiB = std::size_t{1} << 20;
 constexpr long kSlackKiB = 8 << 10;  // what a load may hold beyond the image and the program itself
 
-test::RunResult RunCli(std::vector<std::string> args, const fs::path& dir = {}, const test::RunOptions& options = {}) {
+test::RunResult RunCli(std::vector<std::string> args, const fs::path& dir = {},
+                       const test::RunOptions& options = {}) {
   args.insert(args.begin(), KESTRUM_CLI);
   return RunProgram(args, dir, options);
 }
@@ -52,16 +52,24 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
   WriteFile(dir / "format.s", "S107100001020304DE\r\nS9030000FC\r\nS4030000FC\r\n");
   WriteFile(dir / "old", "the old file");
   // Standard output whole, or its start when that has no line end; what standard error holds.
-  const struct { std::vector<std::string> args; int status; std::string out; const char* err = ""; } cases[] = {
+  const struct {
+    std::vector<std::string> args;
+    int status;
+    std::string out;
+    const char* err = "";
+  } cases[] = {
       {{"--help"}, 0, "Usage: kestrum-cli [--area FIRST:LAST]"},
       {{"load", "--help"}, 0, "Usage: kestrum-cli load FILE"},
       {{"--version"}, 0, "kestrum-cli " KESTRUM_VERSION "\n"},
       {{"fill", "0:1", "0", "clear", "sum"}, 0, "8-8bit=00 8-16bit=0000 16-16bit=0000\n"},
       {{"--area", "1000:1FFF", "fill", "1FF0:100F", "0", "sum"}, 0, "8-8bit=20 8-16bit=D020 16-16bit=F810\n"},
       {{"fill", "7FFFF:7FFFF", "A", "dump", "7FFF0"}, 0, Row("0007FFF0", std::string(30, 'F') + "0A")},
-      {{"--area", "0:F", "load", "image.bin", "--range", "2:5", "--offset", "+1", "dump", "0"}, 0,
+      {{"--area", "0:F", "load", "image.bin", "--range", "2:5", "--offset", "+1", "dump", "0"},
+       0,
        Row("00000000", "FFFFFF112233")},
-      {{"--area", "0:F", "load", "app.hex", "--offset", "-1000", "dump", "0"}, 0, Row("00000000", "01020304")},
+      {{"--area", "0:F", "load", "app.hex", "--offset", "-1000", "dump", "0"},
+       0,
+       Row("00000000", "01020304")},
       // Usage errors, found before any step runs.
       {{}, 2, "", "kestrum-cli: no step given\n"},
       {{"sum", "0:0", "bogus"}, 2, "", "unknown step 'bogus'"},
@@ -76,22 +84,40 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
       {{"fill", "80000:80001", "0", "sum"}, 2, "", "kestrum-cli: Address Error\n"},
       {{"fill", "0:1", "100", "sum"}, 2, "", "kestrum-cli: Data Error!\n"},
       {{"fill", "0", "1", "sum"}, 2, "", "kestrum-cli: '0' is no range FIRST:LAST\n"},
-      {{"sum", "0:0", "sum", "1:0", "sum", "0:0"}, 2, "8-8bit=FF 8-16bit=00FF 16-16bit=FF00\n", "Address Error!\n"},
+      {{"sum", "0:0", "sum", "1:0", "sum", "0:0"},
+       2,
+       "8-8bit=FF 8-16bit=00FF 16-16bit=FF00\n",
+       "Address Error!\n"},
       {{"dump", "80000", "sum"}, 2, "", "kestrum-cli: Dump Address Error!\n"},
       {{"dump", "12G", "sum"}, 2, "", "kestrum-cli: Dump Address Error!\n"},
       {{"load", "app.hex", "--range", "0:80000", "sum"}, 2, "", "kestrum-cli: Last Address Error!\n"},
-      {{"load", "app.hex", "--offset", "x1", "sum"}, 2, "", "kestrum-cli: --offset: 'x1' is no offset [+|-]HEX\n"},
+      {{"load", "app.hex", "--offset", "x1", "sum"},
+       2,
+       "",
+       "kestrum-cli: --offset: 'x1' is no offset [+|-]HEX\n"},
       {{"save", "old", "--format", "hex", "--range", "90000:80000", "sum"}, 2, "", "Address Error!\n"},
-      {{"save", "old", "--format", "s", "--range", "0:80000", "--record-length", "0"}, 2, "", "RecordLength Error!\n"},
+      {{"save", "old", "--format", "s", "--range", "0:80000", "--record-length", "0"},
+       2,
+       "",
+       "RecordLength Error!\n"},
       {{"save", "old", "--format", "bin", "--range", "80000:90000", "sum"}, 2, "", "FirstAddress Error!\n"},
       {{"save", "old", "--format", "bin", "--range", "0:80000", "sum"}, 2, "", "LastAddress Error!\n"},
       {{"save", "old", "--format", "elf", "sum"}, 2, "", "Format Error!\n"},
-      {{"save", "old", "--format", "s", "--range", "0:1FF", "--record-length", "FD"}, 2, "", "Record Length Error!\n"},
+      {{"save", "old", "--format", "s", "--range", "0:1FF", "--record-length", "FD"},
+       2,
+       "",
+       "Record Length Error!\n"},
       {{"ysm", "old", "--sum", "32", "sum"}, 2, "", "YSM File Format Error!\n"},
-      {{"ysm", "old", "--sum", "8-8", "--range", "0-1", "sum"}, 2, "", "--range: '0-1' is no range FIRST:LAST\n"},
+      {{"ysm", "old", "--sum", "8-8", "--range", "0-1", "sum"},
+       2,
+       "",
+       "--range: '0-1' is no range FIRST:LAST\n"},
       // Record and file failures.
       {{"load", "format.s", "sum"}, 1, "", "format.s:3: Format Error\n"},
-      {{"load", "missing.hex", "sum"}, 1, "", "kestrum-cli: Cannot read missing.hex: No such file or directory\n"},
+      {{"load", "missing.hex", "sum"},
+       1,
+       "",
+       "kestrum-cli: Cannot read missing.hex: No such file or directory\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.args));
@@ -103,9 +129,9 @@ TEST(Cli, CallsPrintOrStopWithStatusAndWords) {
   EXPECT_EQ(ReadFile(dir / "old"), "the old file");
   EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 4) << "a refused step left a file";
   const std::string help = RunCli({"--help"}).out;  // the whole grammar
-  for (const char* step : {"  load FILE", "  info FILE [FILE ...]", "  --strict", "  fill FIRST:LAST BYTE", "  clear",
-                           "  sum", "  crc FIRST:LAST", "  dump ADDRESS",
-                           "  save FILE --format", "  ysm FILE --sum", "  --area FIRST:LAST", "STEP --help"})
+  for (const char* step : {"  load FILE", "  info FILE [FILE ...]", "  --strict", "  fill FIRST:LAST BYTE",
+                           "  clear", "  sum", "  crc FIRST:LAST", "  dump ADDRESS", "  save FILE --format",
+                           "  ysm FILE --sum", "  --area FIRST:LAST", "STEP --help"})
     EXPECT_NE(help.find(step), std::string::npos) << step;
 }
 
@@ -119,18 +145,23 @@ TEST(Cli, WarningsOfAnEmptyLoadAndALoneLfUnderStrict) {
   WriteFile(dir / "app.hex", ":0410000001020304E2\r\n");
   WriteFile(dir / "image.bin", "\x11\x22\x33\x44");
   const std::string warning = "kestrum-cli: warning: ";
-  const struct { std::vector<std::string> args; std::string err; } cases[] = {
+  const struct {
+    std::vector<std::string> args;
+    std::string err;
+  } cases[] = {
       {{"load", "lf.s", "--range", "1000:1003"}, ""},
       {{"--strict", "load", "app.hex"}, ""},
       {{"--strict", "load", "lf.s"},
        warning + "lf.s: a lone LF ends no line under --strict\n" + warning +
            "lf.s stored no byte in 00000000:0007FFFF: read as S, 1 line with 0 data records\n"},
       {{"--area", "0:FFF", "load", "lf.s"},
-       warning + "lf.s stored no byte in 00000000:00000FFF: read as S, 2 lines with 1 data record, no byte of them "
-                 "inside the range at offset 0\n"},
+       warning +
+           "lf.s stored no byte in 00000000:00000FFF: read as S, 2 lines with 1 data record, no byte of them "
+           "inside the range at offset 0\n"},
       {{"load", "image.bin", "--offset", "+80000"},
-       warning + "image.bin stored no byte in 00000000:0007FFFF: read as BIN, 4 bytes, all outside the range at "
-                 "offset +80000\n"},
+       warning +
+           "image.bin stored no byte in 00000000:0007FFFF: read as BIN, 4 bytes, all outside the range at "
+           "offset +80000\n"},
       {{"--verbose", "load", "s.hex"},
        "load: s.hex as S by content, not by its extension into 00000000:0007FFFF, 4 bytes stored\n"},
   };
@@ -147,8 +178,9 @@ TEST(Cli, WarningsOfAnEmptyLoadAndALoneLfUnderStrict) {
 // and addresses written twice; a bad record ends its file's report.
 TEST(Cli, InfoTellsWhatFilesHold) {
   TempDir dir;
-  WriteFile(dir / "mix.hex", ":0410000001020304E2\r\n:0410040005060708CE\n:021002000304E5\r\n:0110070009DF\n"
-                             ":020000040001F9\r\n:02000000AABB99\n:040000050000C0DE59\r\n");
+  WriteFile(dir / "mix.hex",
+            ":0410000001020304E2\r\n:0410040005060708CE\n:021002000304E5\r\n:0110070009DF\n"
+            ":020000040001F9\r\n:02000000AABB99\n:040000050000C0DE59\r\n");
   WriteFile(dir / "bad.s", "S107100001020304DE\nS107101005060708BF\nS107102005060708AE\n");
   WriteFile(dir / "empty.bin", "");
   WriteFile(dir / "lf.s", "S00600004844521B\nS107100001020304DE\n");
@@ -178,11 +210,15 @@ TEST(Cli, InfoTellsWhatFilesHold) {
 // Each written over a longer file, which must go whole; no range means the
 // area, no record length 10.
 TEST(Cli, SaveAndYsmWriteTheWindowWritersBytes) {
-  const struct { const char* area; std::string format; Address first, last; int length; bool range = true; } cases[] = {
-      {"3FFFF", "bin", 0x8, 0x10010, 0x10},
-      {"3FFFF", "hex", 0xFFF1, 0x2000A, 0x0B},
-      {"1000F", "hex", 0x0, 0x1000F, 0x10, false},
-      {"3FFFF", "s", 0xFF00, 0x10101, 0x20},
+  const struct {
+    const char* area;
+    std::string format;
+    Address first, last;
+    int length;
+    bool range = true;
+  } cases[] = {
+      {"3FFFF", "bin", 0x8, 0x10010, 0x10},        {"3FFFF", "hex", 0xFFF1, 0x2000A, 0x0B},
+      {"1000F", "hex", 0x0, 0x1000F, 0x10, false}, {"3FFFF", "s", 0xFF00, 0x10101, 0x20},
       {"3FFFF", "16-16", 0x0, 0x3FFFF, 0, false},
   };
   for (const auto& c : cases) {
@@ -191,8 +227,18 @@ TEST(Cli, SaveAndYsmWriteTheWindowWritersBytes) {
     const std::string coreFile = (dir / "core").string();
     WriteFile(dir / "cli", std::string(0x20000, 'x'));
     const bool ysm = c.format.find('-') != std::string::npos;
-    std::vector<std::string> argv{"--area", std::string("0:") + c.area, "fill", "10:3F", "12", "fill", "FFF0:1000F",
-                                  "A5", ysm ? "ysm" : "save", "cli", ysm ? "--sum" : "--format", c.format};
+    std::vector<std::string> argv{"--area",
+                                  std::string("0:") + c.area,
+                                  "fill",
+                                  "10:3F",
+                                  "12",
+                                  "fill",
+                                  "FFF0:1000F",
+                                  "A5",
+                                  ysm ? "ysm" : "save",
+                                  "cli",
+                                  ysm ? "--sum" : "--format",
+                                  c.format};
     if (c.range) argv.insert(argv.end(), {"--range", AddressToText(c.first) + ":" + AddressToText(c.last)});
     if (c.range && !ysm) argv.insert(argv.end(), {"--record-length", HexByteText(c.length)});
     const auto r = RunCli(argv, dir.path());
@@ -217,9 +263,11 @@ TEST(Cli, Utf8NamesReachTheFileSystem) {
   TempDir dir;
   WriteFile(dir.path() / fs::path(u8"grüße.bin"), "\x11\x22");
   const auto r = RunCli(
-      {"--area", "0:F", "load", "grüße.bin", "save", "tschüß.hex", "--format", "hex", "--range", "0:1"}, dir.path());
+      {"--area", "0:F", "load", "grüße.bin", "save", "tschüß.hex", "--format", "hex", "--range", "0:1"},
+      dir.path());
   EXPECT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(ReadFile(dir.path() / fs::path(u8"tschüß.hex")), ":100000001122FFFFFFFFFFFFFFFFFFFFFFFFFFFFCB\r\n:00000001FF\r\n");
+  EXPECT_EQ(ReadFile(dir.path() / fs::path(u8"tschüß.hex")),
+            ":100000001122FFFFFFFFFFFFFFFFFFFFFFFFFFFFCB\r\n:00000001FF\r\n");
 }
 
 TEST(Cli, ReadmePipelinesRunAsShown) {
@@ -227,7 +275,8 @@ TEST(Cli, ReadmePipelinesRunAsShown) {
   std::istringstream readme(ReadFile(source / "README.md"));
   TempDir dir;
   fs::copy(source / "examples", dir / "examples");
-  const std::regex printed("(8-8bit=[0-9A-F]{2} 8-16bit=[0-9A-F]{4} 16-16bit=[0-9A-F]{4}\n|CRC-[^=]+=[0-9A-F]+\n)*");
+  const std::regex printed(
+      "(8-8bit=[0-9A-F]{2} 8-16bit=[0-9A-F]{4} 16-16bit=[0-9A-F]{4}\n|CRC-[^=]+=[0-9A-F]+\n)*");
   int run = 0;
   bool inSection = false;
   for (std::string line; std::getline(readme, line);) {
@@ -241,8 +290,10 @@ TEST(Cli, ReadmePipelinesRunAsShown) {
     ++run;
     EXPECT_EQ(r.status, 0) << r.err;
     // Each sum and crc prints its line, and nothing else is printed.
-    const auto steps = std::count(argv.begin(), argv.end(), "sum") + std::count(argv.begin(), argv.end(), "crc");
-    EXPECT_TRUE(std::regex_match(r.out, printed) && std::count(r.out.begin(), r.out.end(), '\n') == steps) << r.out;
+    const auto steps =
+        std::count(argv.begin(), argv.end(), "sum") + std::count(argv.begin(), argv.end(), "crc");
+    EXPECT_TRUE(std::regex_match(r.out, printed) && std::count(r.out.begin(), r.out.end(), '\n') == steps)
+        << r.out;
   }
   EXPECT_EQ(run, 4) << "README.md should show four pipelines";
 }
@@ -258,36 +309,51 @@ TEST(Cli, FaultsAndHostileFilesStopInBoundedMemory) {
   while (outside.size() < 16 * kMiB) outside += ":10000000000102030405060708090A0B0C0D0E0F78\r\n";
   // A row without a file saves into a read-only folder.
   const auto records = std::count(outside.begin(), outside.end(), '\n');
-  const std::string unstored = "kestrum-cli: warning: outside.hex stored no byte in 00000000:0000FFFF: read as HEX, " +
-                               std::to_string(records) + " lines with " + std::to_string(records - 1) +
-                               " data records, no byte of them inside the range at offset 0\n";
+  const std::string unstored =
+      "kestrum-cli: warning: outside.hex stored no byte in 00000000:0000FFFF: read as HEX, " +
+      std::to_string(records) + " lines with " + std::to_string(records - 1) +
+      " data records, no byte of them inside the range at offset 0\n";
   // Standard output after a success, else standard error; a success's warning.
-  const struct { const char* name; int status; std::string words; std::string file = {}, bytes = {}; bool strict = false; std::string warning = {}; } cases[] = {
+  const struct {
+    const char* name;
+    int status;
+    std::string words;
+    std::string file = {}, bytes = {};
+    bool strict = false;
+    std::string warning = {};
+  } cases[] = {
       {"a read-only folder", 1, "kestrum-cli: Can't create a.s: Permission denied\n"},
       {"NUL bytes, decided by content", 0, "8-8bit=00 8-16bit=0000 16-16bit=0000\n", "zeros.dat", nuls},
-      {"a header line of megabytes passed over", 0, "8-8bit=13 8-16bit=FF13 16-16bit=9300\n", "long.s", longHeader},
+      {"a header line of megabytes passed over", 0, "8-8bit=13 8-16bit=FF13 16-16bit=9300\n", "long.s",
+       longHeader},
       {"a record of megabytes", 1, "long.hex:2: Format Error\n", "long.hex", longRecord},
       {"a line of megabytes ended by lone LFs", 1,
-       "kestrum-cli: warning: lf.hex: a lone LF ends no line under --strict\nlf.hex:1: Format Error\n", "lf.hex", lfs, true},
-      {"every record outside the range", 0, "8-8bit=00 8-16bit=0000 16-16bit=8000\n", "outside.hex", outside, false,
-       unstored},
+       "kestrum-cli: warning: lf.hex: a lone LF ends no line under --strict\nlf.hex:1: Format Error\n",
+       "lf.hex", lfs, true},
+      {"every record outside the range", 0, "8-8bit=00 8-16bit=0000 16-16bit=8000\n", "outside.hex", outside,
+       false, unstored},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const bool readOnly = c.file.empty();
     if (readOnly && test::SkipOnWindows("a read-only folder takes new files on Windows")) continue;
     TempDir dir;
-    if (readOnly) fs::permissions(dir.path(), static_cast<fs::perms>(0555));
-    else WriteFile(dir / c.file, c.bytes);
-    std::vector<std::string> argv{"--area", "0:FFFF", "load", c.file, "sum", "save", "after", "--format", "bin"};
-    if (readOnly) argv = {"--area", "0:FFFF", "save", "a.s", "--format", "s", "save", "after", "--format", "bin"};
+    if (readOnly)
+      fs::permissions(dir.path(), static_cast<fs::perms>(0555));
+    else
+      WriteFile(dir / c.file, c.bytes);
+    std::vector<std::string> argv{"--area", "0:FFFF", "load",     c.file, "sum",
+                                  "save",   "after",  "--format", "bin"};
+    if (readOnly)
+      argv = {"--area", "0:FFFF", "save", "a.s", "--format", "s", "save", "after", "--format", "bin"};
     if (c.strict) argv.insert(argv.begin(), "--strict");
     const auto r = RunCli(argv, dir.path(), {.unprivileged = readOnly, .meminfo = {}});
     EXPECT_EQ(r.status, c.status);
     EXPECT_EQ(c.status == 0 ? r.out : r.err, c.words);
     EXPECT_EQ(c.status == 0 ? r.err : r.out, c.warning);
     // Wine's working-set figures are no resident memory.
-    EXPECT_TRUE(test::kSanitized || test::kWindows || r.peakKiB <= BaselineKiB("0:FFFF") + kSlackKiB) << r.peakKiB;
+    EXPECT_TRUE(test::kSanitized || test::kWindows || r.peakKiB <= BaselineKiB("0:FFFF") + kSlackKiB)
+        << r.peakKiB;
     fs::permissions(dir.path(), fs::perms::owner_all, fs::perm_options::add);
     // The file loaded, and the later step's file only after a success: no working file.
     EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), !readOnly + (c.status == 0));
@@ -305,7 +371,8 @@ TEST(Cli, AHexFileOfOneGibibyteInBoundedMemory) {
   std::ofstream file(dir / "big.hex", std::ios::binary);
   for (int i = 0; file && file.tellp() < (std::streamoff{1} << 30); ++i) file << bases[i % 3] << record;
   ASSERT_TRUE(file.flush()) << "the file could not be written";
-  const auto r = RunCli({"--area", "0:1FFFF", "load", "big.hex", "sum", "FFF0:FFFF", "dump", "1FFF0"}, dir.path());
+  const auto r =
+      RunCli({"--area", "0:1FFFF", "load", "big.hex", "sum", "FFF0:FFFF", "dump", "1FFF0"}, dir.path());
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.out, "8-8bit=78 8-16bit=0F78 16-16bit=BFC0\n0001FFF0  F0F1F2F3F4F5F6F7F8F9FAFBFCFDFEFF\n");
   EXPECT_LE(r.peakKiB, BaselineKiB("0:1FFFF") + kSlackKiB);
@@ -313,18 +380,28 @@ TEST(Cli, AHexFileOfOneGibibyteInBoundedMemory) {
 
 TEST(Cli, AnAreaTheMachineCannotBackIsOutOfMemory) {
   // The address space limit is a job's memory limit on Windows.
-  const struct { const char* name; test::RunOptions options; const char* area; int status; } cases[] = {
+  const struct {
+    const char* name;
+    test::RunOptions options;
+    const char* area;
+    int status;
+  } cases[] = {
       {"an allocation that fails", {.addressSpace = 256 << 20, .meminfo = {}}, "0:3FFFFFFF", 1},
-      {"memory and swap for the area and a save", {.meminfo = "MemAvailable: 20480 kB\nSwapFree: 20480 kB\n"},
-       "0:7FFFF", 0},
+      {"memory and swap for the area and a save",
+       {.meminfo = "MemAvailable: 20480 kB\nSwapFree: 20480 kB\n"},
+       "0:7FFFF",
+       0},
       {"no room for a save's block beside the area", {.meminfo = "MemAvailable: 20480 kB\n"}, "0:7FFFF", 1},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    if (c.options.addressSpace != 0 && test::kSanitized) continue;  // the sanitizer needs more address space than that
-    if (c.options.addressSpace != 0 && test::SkipOnWindows("Wine shows the process no job's memory limit")) continue;
+    if (c.options.addressSpace != 0 && test::kSanitized)
+      continue;  // the sanitizer needs more address space than that
+    if (c.options.addressSpace != 0 && test::SkipOnWindows("Wine shows the process no job's memory limit"))
+      continue;
     const auto r = RunCli({"--area", c.area, "clear"}, {}, c.options);
-    if (r.status == test::kNoMeminfo) GTEST_SKIP() << "no mount namespace to show the program another /proc/meminfo";
+    if (r.status == test::kNoMeminfo)
+      GTEST_SKIP() << "no mount namespace to show the program another /proc/meminfo";
     EXPECT_EQ(r.status, c.status) << r.err;
     EXPECT_EQ(r.err, c.status == 0 ? "" : "kestrum-cli: Out of Memory\n");
   }
@@ -333,7 +410,11 @@ TEST(Cli, AnAreaTheMachineCannotBackIsOutOfMemory) {
 // Under a control group's limit the program says so instead of being
 // killed: the room counts what the group holds and a save's block.
 TEST(Cli, AGroupsLimitLessWhatItHoldsIsOutOfMemory) {
-  const struct { const char* name; std::uint64_t held; std::vector<std::string> args; } cases[] = {
+  const struct {
+    const char* name;
+    std::uint64_t held;
+    std::vector<std::string> args;
+  } cases[] = {
       {"no room left for the writer's block", 0, {"--area", "0:EFFFFFF", "save", "c.hex", "--format", "hex"}},
       {"another process of the group holds memory", 100 * kMiB, {"--area", "0:C7FFFFF", "sum", "0:0"}},
   };
@@ -359,11 +440,21 @@ TEST(Cli, SystemFaultsEndInOrderWithTheOldFileKept) {
   if (RunProgram({"/usr/bin/strace", "-o", "/dev/null", KESTRUM_CLI, "--version"}).status != 0)
     GTEST_SKIP() << "strace is not installed or may not trace here";
   const std::string saved = ":10000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF00\r\n:00000001FF\r\n";
-  const struct { const char* name; std::vector<std::string> strace; int status; const char* err; } cases[] = {
+  const struct {
+    const char* name;
+    std::vector<std::string> strace;
+    int status;
+    const char* err;
+  } cases[] = {
       {"/proc/meminfo unreadable", {"-P", "/proc/meminfo", "-e", "inject=read:error=EIO"}, 0, ""},
-      {"the old file's rights refused", {"-e", "inject=fchmod:error=EPERM"}, 1,
+      {"the old file's rights refused",
+       {"-e", "inject=fchmod:error=EPERM"},
+       1,
        "kestrum-cli: Can't create old.hex: Operation not permitted\n"},
-      {"a flush that fails", {"-e", "inject=fsync:error=EIO"}, 1, "kestrum-cli: Can't write old.hex: Input/output error\n"},
+      {"a flush that fails",
+       {"-e", "inject=fsync:error=EIO"},
+       1,
+       "kestrum-cli: Can't write old.hex: Input/output error\n"},
       {"the order of flushes and rename", {"-e", "trace=fsync,rename"}, 0, ""},
   };
   for (const auto& c : cases) {
@@ -379,9 +470,12 @@ TEST(Cli, SystemFaultsEndInOrderWithTheOldFileKept) {
     EXPECT_EQ(ReadFile(dir / "old.hex"), c.status == 0 ? saved : "old");
     EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "a working file stayed";
     if (c.strace[1] != "trace=fsync,rename") continue;
-    const std::regex order(R"(fsync\(\d+\) += 0\n.*rename\("\./\.old\.hex\.kestrum-[0-9a-f]{6}\.tmp", "old\.hex"\) += 0\n)"
-                           R"(.*fsync\(\d+\) += 0\n)");
-    EXPECT_TRUE(std::regex_search(std::regex_replace(ReadFile(dir / "trace"), std::regex(R"(^\d+ +)", std::regex::multiline), ""), order))
+    const std::regex order(
+        R"(fsync\(\d+\) += 0\n.*rename\("\./\.old\.hex\.kestrum-[0-9a-f]{6}\.tmp", "old\.hex"\) += 0\n)"
+        R"(.*fsync\(\d+\) += 0\n)");
+    EXPECT_TRUE(std::regex_search(
+        std::regex_replace(ReadFile(dir / "trace"), std::regex(R"(^\d+ +)", std::regex::multiline), ""),
+        order))
         << ReadFile(dir / "trace");
   }
 }
@@ -409,13 +503,16 @@ TEST(Cli, InterruptedSavesRemoveTheirWorkingFile) {
     fs::path working;
     for (int wait = 0; wait < 20000 && working.empty(); ++wait, usleep(500))
       for (const auto& e : fs::directory_iterator(dir.path()))
-        if (std::regex_match(e.path().filename().string(), std::regex(R"(\.s\.hex\.kestrum-[0-9a-f]{6}\.tmp)")))
+        if (std::regex_match(e.path().filename().string(),
+                             std::regex(R"(\.s\.hex\.kestrum-[0-9a-f]{6}\.tmp)")))
           working = e.path();
     kill(pid, signal);
     int status = 0;
     waitpid(pid, &status, 0);
     ASSERT_FALSE(working.empty()) << "no working file named after s.hex appeared";
-    EXPECT_EQ(signal == SIGKILL ? WIFSIGNALED(status) : WIFEXITED(status) && WEXITSTATUS(status) == 128 + signal, true)
+    EXPECT_EQ(
+        signal == SIGKILL ? WIFSIGNALED(status) : WIFEXITED(status) && WEXITSTATUS(status) == 128 + signal,
+        true)
         << status;
     EXPECT_EQ(ReadFile(dir / "s.hex"), "old");
     EXPECT_EQ(fs::exists(working), signal == SIGKILL);
@@ -431,7 +528,8 @@ TEST(Cli, InterruptedSavesRemoveTheirWorkingFile) {
 TEST(Cli, RunsUnprivilegedFromAFolderOnlyItsOwnerEnters) {
   TempDir dir;
   fs::copy_file(KESTRUM_CLI, dir / "kestrum-cli");
-  const auto r = RunProgram({(dir / "kestrum-cli").string(), "--version"}, {}, {.unprivileged = true, .meminfo = {}});
+  const auto r =
+      RunProgram({(dir / "kestrum-cli").string(), "--version"}, {}, {.unprivileged = true, .meminfo = {}});
   EXPECT_EQ(r.status, 0);
 }
 
@@ -439,7 +537,8 @@ TEST(Cli, TheLargestAreaWhereMemoryAllows) {
   if (test::kWindows) GTEST_SKIP() << "Wine tells no peak memory, and filling 2 GiB through it takes long";
   const auto available = sys::AvailableMemory();
   if (!available || *available < (std::uint64_t{3} << 30)) GTEST_SKIP() << "less than 3 GiB of memory free";
-  const auto r = RunCli({"--area", "0:7FFFFFFE", "fill", "7FFFFFF0:7FFFFFFD", "5A", "sum", "7FFFFFF0:7FFFFFFE"});
+  const auto r =
+      RunCli({"--area", "0:7FFFFFFE", "fill", "7FFFFFF0:7FFFFFFD", "5A", "sum", "7FFFFFF0:7FFFFFFE"});
   ASSERT_EQ(r.status, 0) << r.err;
   // 14 bytes of 5A and the top byte FF: 7 words 5A5A and the word FF00.
   EXPECT_EQ(r.out, "8-8bit=EB 8-16bit=05EB 16-16bit=7776\n");

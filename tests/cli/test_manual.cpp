@@ -36,12 +36,15 @@ TEST(Manual, NamesWhatTheHelpNames) {
     for (std::string word; std::getline(alternatives, word, '|');) words.insert(word);
   }
   for (const auto& step : steps) {
-    EXPECT_TRUE(std::regex_search(manual, std::regex("\n\\.BI? " + step + "[ \n]"))) << "manual: step " << step;
-    EXPECT_TRUE(std::regex_search(completion, std::regex("[\" ]" + step + "[\" ]"))) << "completion: " << step;
+    EXPECT_TRUE(std::regex_search(manual, std::regex("\n\\.BI? " + step + "[ \n]")))
+        << "manual: step " << step;
+    EXPECT_TRUE(std::regex_search(completion, std::regex("[\" ]" + step + "[\" ]")))
+        << "completion: " << step;
   }
   for (const auto& word : words) {
     EXPECT_NE(manual.find(word), std::string::npos) << "manual: " << word;
-    EXPECT_TRUE(std::regex_search(completion, std::regex("[\"( ]" + word + "[\" )]"))) << "completion: " << word;
+    EXPECT_TRUE(std::regex_search(completion, std::regex("[\"( ]" + word + "[\" )]")))
+        << "completion: " << word;
   }
 }
 

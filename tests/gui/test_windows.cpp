@@ -47,14 +47,19 @@ struct TempSettings {
 };
 
 // The child of parent with the given object name, failing the test if none.
-template <typename W = QWidget> W* Child(QWidget* parent, const char* name) {
+template <typename W = QWidget>
+W* Child(QWidget* parent, const char* name) {
   W* w = parent->findChild<W*>(QString::fromLatin1(name));
   if (!w) qFatal("no control named %s", name);
   return w;
 }
 
 // Shows window and makes it the active one (Xvfb has no window manager to do it).
-bool ShowActive(QWidget* w) { w->show(); w->activateWindow(); return QTest::qWaitForWindowActive(w); }
+bool ShowActive(QWidget* w) {
+  w->show();
+  w->activateWindow();
+  return QTest::qWaitForWindowActive(w);
+}
 
 // What xprop says of a property of window (the root when 0), or empty when there is no X server.
 QString XProperty(WId window, const char* property) {
@@ -127,7 +132,8 @@ inline void PressKey(QWidget* window, Qt::Key key) {
 class ModalScript {
  public:
   // The next window is a dialog of type D.
-  template <typename D> ModalScript& Dialog(std::function<void(D*)> drive) {
+  template <typename D>
+  ModalScript& Dialog(std::function<void(D*)> drive) {
     steps_.push_back([drive](QWidget* window) {
       QVERIFY2(qobject_cast<D*>(window), window->metaObject()->className());
       drive(qobject_cast<D*>(window));
@@ -161,11 +167,14 @@ class ModalScript {
  private:
   // A fresh timer each time: a timer does not fire again while its own
   // handler blocks in a nested event loop, and a step blocks in one.
-  void Watch() { if (next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); }); }
+  void Watch() {
+    if (next_ < steps_.size()) QTimer::singleShot(10, &context_, [this] { Poll(); });
+  }
 
   void Poll() {
     QPointer<QWidget> window = QApplication::activeModalWidget();
-    if (!window || !window->isVisible() || handled_.contains(window) || next_ >= steps_.size()) return Watch();
+    if (!window || !window->isVisible() || handled_.contains(window) || next_ >= steps_.size())
+      return Watch();
     handled_ << window;
     const auto step = steps_[next_++];
     ++busy_;
@@ -198,8 +207,14 @@ struct Form {
   const char* escape = "";  // the cancel button
 };
 
-template <typename F> QWidget* Make(forms::AppContext& c) { return new F(c); }
-template <> QWidget* Make<forms::frmversion>(forms::AppContext&) { return new forms::frmversion; }
+template <typename F>
+QWidget* Make(forms::AppContext& c) {
+  return new F(c);
+}
+template <>
+QWidget* Make<forms::frmversion>(forms::AppContext&) {
+  return new forms::frmversion;
+}
 
 const Form kForms[] = {
     {"frmsumtool", 8250, 3930, Make<forms::frmsumtool>, "|00000000|00000000|0007FFFF",
@@ -210,9 +225,10 @@ const Form kForms[] = {
      "Dir2 File2 Text5 Combo1 Combo2 Text7 Text6 Command5 Command2 Drive2", "Command5", "Command2"},
     {"frmstore", 3645, 2850, Make<forms::frmstore>, "00000000|0007FFFF|00",
      "Text1 Text2 Text3 Command2 Command1", "Command2", "Command1"},
-    {"frmsum", 6120, 3495, Make<forms::frmsum>, "00000000|0007FFFF|||", "Text6 Text7 Command1 Command2", "Command1",
-     "Command2"},
-    {"frmbufaddr", 3930, 2130, Make<forms::frmbufaddr>, "|", "Text1 Text2 Cmdok Command1", "Cmdok", "Command1"},
+    {"frmsum", 6120, 3495, Make<forms::frmsum>, "00000000|0007FFFF|||", "Text6 Text7 Command1 Command2",
+     "Command1", "Command2"},
+    {"frmbufaddr", 3930, 2130, Make<forms::frmbufaddr>, "|", "Text1 Text2 Cmdok Command1", "Cmdok",
+     "Command1"},
     {"frmversion", 3780, 2175, Make<forms::frmversion>, "", "OK_Button", "OK_Button", "OK_Button"},
 };
 
@@ -238,8 +254,10 @@ struct Opened {
     for (const auto* edit : form->findChildren<QLineEdit*>()) shown << edit->text();
     for (const auto* list : form->findChildren<QComboBox*>())  // the drive follows the folder
       if (!qobject_cast<const forms::DriveListBox*>(list)) shown << list->currentText();
-    const QString here = QDir::toNativeSeparators(QDir::currentPath());  // where the folder lists open by themselves
-    for (const auto* d : form->findChildren<forms::DirListBox*>()) shown << (d->Path() == here ? "." : d->Path());
+    const QString here =
+        QDir::toNativeSeparators(QDir::currentPath());  // where the folder lists open by themselves
+    for (const auto* d : form->findChildren<forms::DirListBox*>())
+      shown << (d->Path() == here ? "." : d->Path());
     for (const auto& text : platform.Texts()) shown << QString::fromStdString(text);
     return shown.join('|');
   }
@@ -248,10 +266,12 @@ struct Opened {
 
 // Why a control's caption does not show whole, or empty when it does.
 QString Clipped(const QWidget* w) {
-  const auto wider = [](int need, int room) { return need > room ? QString("%1 > %2").arg(need).arg(room) : ""; };
+  const auto wider = [](int need, int room) {
+    return need > room ? QString("%1 > %2").arg(need).arg(room) : "";
+  };
   if (const auto* label = qobject_cast<const QLabel*>(w)) {
-    const QRect lines = label->fontMetrics().boundingRect(QRect(0, 0, label->width(), 1000),
-                                                          label->wordWrap() ? Qt::TextWordWrap : 0, label->text());
+    const QRect lines = label->fontMetrics().boundingRect(
+        QRect(0, 0, label->width(), 1000), label->wordWrap() ? Qt::TextWordWrap : 0, label->text());
     return wider(lines.width(), label->width()) + wider(lines.height(), label->height());
   }
   if (const auto* button = qobject_cast<const QPushButton*>(w)) {
@@ -270,7 +290,6 @@ QString Clipped(const QWidget* w) {
   if (list || qobject_cast<const QCheckBox*>(w)) return wider(w->sizeHint().width(), w->width());
   return {};
 }
-
 
 // What a control shows: its text, a drop-down list's pick, a folder list's folder.
 QString Text(QWidget* window, const char* name) {
@@ -295,10 +314,12 @@ void Fill(QWidget* dialog, std::initializer_list<std::pair<const char*, const ch
   PressKey(dialog, Qt::Key_Return);
 }
 
-void Click(QWidget* window, const char* name) { QTest::mouseClick(Child<QPushButton>(window, name), Qt::LeftButton); }
+void Click(QWidget* window, const char* name) {
+  QTest::mouseClick(Child<QPushButton>(window, name), Qt::LeftButton);
+}
 
-// Opens a menu of the menu bar with its Alt key, goes down steps items and presses Enter (a wrong item opens the
-// wrong window, or none).
+// Opens a menu of the menu bar with its Alt key, goes down steps items and presses Enter (a wrong item opens
+// the wrong window, or none).
 void OpenMenuItem(QMainWindow* window, Qt::Key letter, int steps) {
   QVERIFY(ShowActive(window));
   QTest::keyClick(window, letter, Qt::AltModifier);
@@ -323,7 +344,8 @@ class TestWindows : public QObject {
       QList<QWidget*> controls;  // the named controls of the client and of its frames
       for (QWidget* c : o.form->findChildren<QWidget*>())
         if (!c->objectName().isEmpty() && !c->objectName().startsWith(QLatin1String("qt_")) &&
-            (c->parentWidget() == client || qobject_cast<QGroupBox*>(c->parentWidget()))) controls << c;
+            (c->parentWidget() == client || qobject_cast<QGroupBox*>(c->parentWidget())))
+          controls << c;
       for (QWidget* c : controls) {
         const QRect g = c->geometry();
         QString faults = Clipped(c) + (c->parentWidget()->rect().contains(g) ? "" : " sticks out");
@@ -360,7 +382,8 @@ class TestWindows : public QObject {
     for (const QString factor : {"1.5", "2"}) {
       QProcess run;
       run.setEnvironment(QProcess::systemEnvironment() << "QT_SCALE_FACTOR=" + factor);
-      run.start(QCoreApplication::applicationFilePath(), {"formsHaveTheirDesignSizeAndNothingClipsOrOverlaps"});
+      run.start(QCoreApplication::applicationFilePath(),
+                {"formsHaveTheirDesignSizeAndNothingClipsOrOverlaps"});
       QVERIFY2(run.waitForFinished(60000) && run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0,
                qPrintable(factor + ":\n" + run.readAll()));
     }
@@ -447,7 +470,10 @@ class TestWindows : public QObject {
       // What Esc and the cancel button leave: the fields as opened, no message, the window closed.
       const auto after = [&](bool esc) {
         Opened o(f);
-        if (esc) PressKey(o.form.get(), Qt::Key_Escape); else Click(o.form.get(), f.escape);
+        if (esc)
+          PressKey(o.form.get(), Qt::Key_Escape);
+        else
+          Click(o.form.get(), f.escape);
         return o.Shown() + (o.form->isVisible() ? "|shown" : "|closed");
       };
       const QString left = f.defaults + QString("|closed");
@@ -458,9 +484,11 @@ class TestWindows : public QObject {
       for (auto* button : o.form->findChildren<QPushButton*>()) {
         const QString tip = button->toolTip(), name = button->objectName();
         QVERIFY2(tip.contains("Enter") == (name == f.enter) && tip.contains("Esc") == (name == f.escape) &&
-                     tip.contains("Alt+F") == (name == "cmdload" || name == "cmdsave"), qPrintable(name + ": " + tip));
+                     tip.contains("Alt+F") == (name == "cmdload" || name == "cmdsave"),
+                 qPrintable(name + ": " + tip));
       }
-      // The step buttons of the dump take the focus once they are enabled (Space leaves the focus where it is).
+      // The step buttons of the dump take the focus once they are enabled (Space leaves the focus where it
+      // is).
       if (!*f.enter) QTest::keyClick(Child(o.form.get(), "cmdedit"), Qt::Key_Space);
       QStringList visited;
       for (qsizetype i = 0; i <= focus.size(); ++i, PressKey(o.form.get(), Qt::Key_Tab)) visited << o.Focus();
@@ -474,13 +502,15 @@ class TestWindows : public QObject {
   void aStoreOfGarbageOpensEveryWindowWithItsDefaults() {
     QByteArray noise(4096, '\0');
     for (int i = 0; i < noise.size(); ++i) noise[i] = static_cast<char>((i * 7919 + 13) % 251);
-    const QByteArray noText("[Address]\nBufFirst=@Rect(1 2 3 4)\n"
-                            "BufLast=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x10NoSuchType)\nLoadFirst=@Point(5 6)\n"
-                            "SaveFirst=@Size(1 1)\nstoredata=@Size(2 2)\n[Format]\nFileType=@Rect(0 0 0 0)\n"
-                            "[FilePath]\nSaveDrive=@Point(0 0)\nSaveDir=/tmp\nLoadDir=/tmp\n");
+    const QByteArray noText(
+        "[Address]\nBufFirst=@Rect(1 2 3 4)\n"
+        "BufLast=@Variant(\\0\\0\\0\\x7f\\0\\0\\0\\x10NoSuchType)\nLoadFirst=@Point(5 6)\n"
+        "SaveFirst=@Size(1 1)\nstoredata=@Size(2 2)\n[Format]\nFileType=@Rect(0 0 0 0)\n"
+        "[FilePath]\nSaveDrive=@Point(0 0)\nSaveDir=/tmp\nLoadDir=/tmp\n");
     for (const QByteArray& store : {noise, noText, QByteArray(), QByteArray("|")})
       for (const Form& f : kForms)
-        QCOMPARE(Opened(f, &store).Shown() + " / " + Opened(f).Shown(), QString(f.defaults) + " / " + f.defaults);
+        QCOMPARE(Opened(f, &store).Shown() + " / " + Opened(f).Shown(),
+                 QString(f.defaults) + " / " + f.defaults);
   }
 
   // The load window in a folder with two visible files, a hidden one and a
@@ -541,13 +571,16 @@ class TestWindows : public QObject {
     TempSettings settings;
     QTemporaryDir folder;
     const QString dir = QDir::toNativeSeparators(folder.path());
-    const auto path = [&](const char* name) { return std::filesystem::path(folder.path().toStdString()) / name; };
+    const auto path = [&](const char* name) {
+      return std::filesystem::path(folder.path().toStdString()) / name;
+    };
     // The program starts in the project's folder, where the lists open.
     const auto back = qScopeGuard([started = QDir::currentPath()] { QDir::setCurrent(started); });
     QDir::setCurrent(folder.path());
     // 32 bytes 03, 0A, 11, ... (7 apart) at 0000.
-    WriteFile(path("app.hex"), ":10000000030A11181F262D343B424950575E656C78\r\n"
-                               ":10001000737A81888F969DA4ABB2B9C0C7CED5DC68\r\n:00000001FF\r\n");
+    WriteFile(path("app.hex"),
+              ":10000000030A11181F262D343B424950575E656C78\r\n"
+              ":10001000737A81888F969DA4ABB2B9C0C7CED5DC68\r\n:00000001FF\r\n");
     for (const char* name : {"fw.HEX", "fw.YSM"}) WriteFile(path(name), name);
     WriteFile(path("bad.hex"), ":020000021000EC\r\n:0100000000FE\r\n");  // a wrong sum at 10000
 
@@ -561,15 +594,16 @@ class TestWindows : public QObject {
     // The title and captions; the step buttons, the area and the loaded file's name show but take no input
     // (their texts: the garbage test).
     QStringList captions{window.windowTitle()};
-    for (const char* name : {"Frame1", "cmdload", "cmdsave", "Label8", "Frame2", "cmdbufclear", "cmdblstore",
-                             "cmdbufsum", "Frame3", "cmdedit", "Label1", "cmdeditplus", "cmdeditminus", "Frame4",
-                             "Label3", "Label4"}) {
+    for (const char* name :
+         {"Frame1", "cmdload", "cmdsave", "Label8", "Frame2", "cmdbufclear", "cmdblstore", "cmdbufsum",
+          "Frame3", "cmdedit", "Label1", "cmdeditplus", "cmdeditminus", "Frame4", "Label3", "Label4"}) {
       QWidget* control = Child(&window, name);
       captions << control->property(qobject_cast<QGroupBox*>(control) ? "title" : "text").toString();
     }
-    QCOMPARE(captions.join('|'), "Kestrum|File Operation|File Load|File Save|Current File (Func F4)|Buffer Operation|"
-                                 "Buffer Clear|Block Store|Buffer SUM|Buffer Dump|Dump|Address|+|-|"
-                                 "Buffer Area (Func D6)|First  Address|Last  Address");
+    QCOMPARE(captions.join('|'),
+             "Kestrum|File Operation|File Load|File Save|Current File (Func F4)|Buffer Operation|"
+             "Buffer Clear|Block Store|Buffer SUM|Buffer Dump|Dump|Address|+|-|"
+             "Buffer Area (Func D6)|First  Address|Last  Address");
     for (const char* name : {"cmdeditplus", "cmdeditminus", "txtbuffaddr", "txtbufladdr", "Text1"})
       QVERIFY2(!Child(&window, name)->isEnabled(), name);
     auto* list = Child<QListWidget>(&window, "List1");
@@ -583,7 +617,9 @@ class TestWindows : public QObject {
     // Help, Version; Set Up, Buffer Address 10000 to 1FFFF.
     script.Dialog<forms::frmversion>([](auto* d) { PressKey(d, Qt::Key_Escape); });
     script.Run([&] { OpenMenuItem(&window, Qt::Key_H, 0); });
-    script.Dialog<forms::frmbufaddr>([](forms::frmbufaddr* d) { Fill(d, {{"Text1", "10000"}, {"Text2", "1ffff"}}); });
+    script.Dialog<forms::frmbufaddr>([](forms::frmbufaddr* d) {
+      Fill(d, {{"Text1", "10000"}, {"Text2", "1ffff"}});
+    });
     script.Run([&] { OpenMenuItem(&window, Qt::Key_S, 0); });
     QCOMPARE(Text(&window, "txtbuffaddr") + Text(&window, "txtbufladdr"), QStringLiteral("000100000001FFFF"));
 
@@ -624,7 +660,10 @@ class TestWindows : public QObject {
     QCOMPARE(list->item(1)->text(), QStringLiteral("00010010  030A11181F262D343B424950575E656C"));
 
     // Block Store from 1FFF0 round the end to 1000F with 5A: the dump goes.
-    script.Dialog<forms::frmstore>([](auto* d) { Fill(d, {{"Text1", "1fff0"}, {"Text2", "1000f"}, {"Text3", "5a"}}); })
+    script
+        .Dialog<forms::frmstore>([](auto* d) {
+          Fill(d, {{"Text1", "1fff0"}, {"Text2", "1000f"}, {"Text3", "5a"}});
+        })
         .Message("Block Store Complete!");
     script.Run([&] { Click(&window, "cmdblstore"); });
     QCOMPARE(list->count(), 0);
@@ -633,7 +672,9 @@ class TestWindows : public QObject {
     // side of the wrap, FF elsewhere): Calculate with Enter, Close with Esc.
     const auto sumsShown = [&] {
       kept.clear();
-      script.Dialog<forms::frmsum>([&](auto* d) { PressKey(d, Qt::Key_Return), keep(d, {"Text1", "Text2", "Text3"}); });
+      script.Dialog<forms::frmsum>([&](auto* d) {
+        PressKey(d, Qt::Key_Return), keep(d, {"Text1", "Text2", "Text3"});
+      });
       script.Run([&] { Click(&window, "cmdbufsum"); });
       return kept.join(' ');
     };
@@ -641,13 +682,16 @@ class TestWindows : public QObject {
 
     // File Save: HEX and YSM as "fw" with records of 20, over fw.HEX and
     // fw.YSM: Yes then No leaves both files; Save again with Yes twice writes both.
-    script.Dialog<forms::frmsave>([&](forms::frmsave* d) {
-      for (const char* list : {"Combo1", "Combo1", "Combo2", "Combo3", "Combo3"})  // an item down each time named
-        QTest::keyClick(Child(d, list), Qt::Key_Down);
-      Fill(d, {{"Text4", "20"}, {"Text5", "fw"}});
-      QVERIFY(d->isVisible() && ReadFile(path("fw.HEX")) + ReadFile(path("fw.YSM")) == "fw.HEXfw.YSM");
-      PressKey(d, Qt::Key_Return);
-    }).Message("fw.HEX File Over Write?", QMessageBox::Warning, "Save")
+    script
+        .Dialog<forms::frmsave>([&](forms::frmsave* d) {
+          for (const char* list :
+               {"Combo1", "Combo1", "Combo2", "Combo3", "Combo3"})  // an item down each time named
+            QTest::keyClick(Child(d, list), Qt::Key_Down);
+          Fill(d, {{"Text4", "20"}, {"Text5", "fw"}});
+          QVERIFY(d->isVisible() && ReadFile(path("fw.HEX")) + ReadFile(path("fw.YSM")) == "fw.HEXfw.YSM");
+          PressKey(d, Qt::Key_Return);
+        })
+        .Message("fw.HEX File Over Write?", QMessageBox::Warning, "Save")
         .Message("fw.YSM File Over Write?", QMessageBox::Warning, "Save", Qt::Key_Escape)
         .Message("fw.HEX File Over Write?", QMessageBox::Warning, "Save")
         .Message("fw.YSM File Over Write?", QMessageBox::Warning, "Save")
@@ -658,15 +702,18 @@ class TestWindows : public QObject {
     QVERIFY(ReadFile(path("fw.HEX")).find("\r\n:20") != std::string::npos);
 
     // Buffer Clear, answered Yes.
-    script.Message("Buffer Clear OK?", QMessageBox::Question, "BufferClear").Message("Buffer Clear Complete!");
+    script.Message("Buffer Clear OK?", QMessageBox::Question, "BufferClear")
+        .Message("Buffer Clear Complete!");
     script.Run([&] { Click(&window, "cmdbufclear"); });
     QCOMPARE(Text(&window, "Text1"), QString());
 
     // fw.HEX dropped on the window opens File Load with it picked; the sums come back.
-    script.Dialog<forms::frmload>([&](forms::frmload* d) {
-      QCOMPARE(Child<forms::FileListBox>(d, "File1")->FileName(), QStringLiteral("fw.HEX"));
-      PressKey(d, Qt::Key_Return);
-    }).Message("Load Complete!");
+    script
+        .Dialog<forms::frmload>([&](forms::frmload* d) {
+          QCOMPARE(Child<forms::FileListBox>(d, "File1")->FileName(), QStringLiteral("fw.HEX"));
+          PressKey(d, Qt::Key_Return);
+        })
+        .Message("Load Complete!");
     script.Run([&] {
       QMimeData data;
       data.setUrls({QUrl::fromLocalFile(folder.filePath(QStringLiteral("fw.HEX")))});
@@ -703,10 +750,18 @@ class TestWindows : public QObject {
     forms::frmsumtool again(ctx);
     QVERIFY(ShowActive(&again));
     kept = QStringList{Text(&again, "txtbuffaddr"), Text(&again, "txtbufladdr"), Text(&again, "txteditaddr")};
-    script.Dialog<forms::frmload>([&](forms::frmload* d) { keep(d, {"Text4", "Text3", "Dir1"}); })
-        .Dialog<forms::frmsave>([&](auto* d) { keep(d, {"Combo1", "Combo2", "Combo3", "Text4", "Text5", "Dir2"}); })
-        .Dialog<forms::frmstore>([&](forms::frmstore* d) { keep(d, {"Text1", "Text2", "Text3"}); });
-    script.Run([&] { for (const char* button : {"cmdload", "cmdsave", "cmdblstore"}) Click(&again, button); });
+    script.Dialog<forms::frmload>([&](forms::frmload* d) {
+            keep(d, {"Text4", "Text3", "Dir1"});
+          })
+        .Dialog<forms::frmsave>([&](auto* d) {
+          keep(d, {"Combo1", "Combo2", "Combo3", "Text4", "Text5", "Dir2"});
+        })
+        .Dialog<forms::frmstore>([&](forms::frmstore* d) {
+          keep(d, {"Text1", "Text2", "Text3"});
+        });
+    script.Run([&] {
+      for (const char* button : {"cmdload", "cmdsave", "cmdblstore"}) Click(&again, button);
+    });
     QCOMPARE(kept.join('|'), "00010000|0001FFFF|00010000|00010000|0001FFFF|" + dir +
                                  "|Object and YSM File|HEX|16-16SUM|20||" + dir + "|0001FFF0|0001000F|5A");
     // Closing the window, not only Exit, puts its area in the store.

@@ -25,7 +25,11 @@ namespace {
 
 TEST(AddressText, ReadsTwoGroupsOfFourAndWritesEightDigits) {
   // canonical: AddressToText gives the text back.
-  const struct { const char* text; Address value; bool canonical; } cases[] = {
+  const struct {
+    const char* text;
+    Address value;
+    bool canonical;
+  } cases[] = {
       {"00000000", 0, true},
       {"0007FFFF", 524287, true},
       {"0000FFFF", 65535, true},  // unsigned, never -1
@@ -50,19 +54,25 @@ TEST(AddressText, ReadsTwoGroupsOfFourAndWritesEightDigits) {
 
 TEST(Paths, JoinedWithOneSeparatorAndReadAsUtf8) {
   // The joined name on Windows, and elsewhere.
-  const struct { const char *folder, *name, *windows, *posix; } cases[] = {
+  const struct {
+    const char *folder, *name, *windows, *posix;
+  } cases[] = {
       {"", "a.hex", "a.hex", "a.hex"},
       {"fw", "a.hex", "fw\\a.hex", "fw/a.hex"},
       {"/", "a.hex", "/a.hex", "/a.hex"},
       {"C:\\", "a.hex", "C:\\a.hex", "C:\\/a.hex"},  // a root
-      {"C:", "a.hex", "C:a.hex", "C:/a.hex"},            // the drive's current folder
+      {"C:", "a.hex", "C:a.hex", "C:/a.hex"},        // the drive's current folder
       {"\\\\server\\share", "a.hex", "\\\\server\\share\\a.hex", "\\\\server\\share/a.hex"},
   };
   for (const auto& c : cases) EXPECT_EQ(JoinPath(c.folder, c.name), test::kWindows ? c.windows : c.posix);
-  const std::string name = "fw/gr\xC3\xBC\xC3\x9F" "e.hex";
+  const std::string name =
+      "fw/gr\xC3\xBC\xC3\x9F"
+      "e.hex";
   EXPECT_EQ(PathOf(name), std::filesystem::path(u8"fw/grüße.hex"));
   EXPECT_EQ(NameOf(PathOf(name)), name);
-  EXPECT_EQ(NameOf(PathOf(name).filename()), "gr\xC3\xBC\xC3\x9F" "e.hex");
+  EXPECT_EQ(NameOf(PathOf(name).filename()),
+            "gr\xC3\xBC\xC3\x9F"
+            "e.hex");
 }
 
 TEST(AddressText, PadsToEightAndWritesBytesAsTwoDigits) {
@@ -98,43 +108,64 @@ constexpr std::uint64_t kKiB = 1024;
 // read, which fails to read); the group's room counts what it already holds
 // beyond its file cache, under every limit above it.
 TEST(AvailableMemory, MemoryAndSwapWithinTheRoomOfTheGroupsAbove) {
-  if (test::kWindows) GTEST_SKIP() << "/proc and the control groups are Linux's; the command line's tests try a job's limit";
+  if (test::kWindows)
+    GTEST_SKIP() << "/proc and the control groups are Linux's; the command line's tests try a job's limit";
   constexpr std::uint64_t kMiB = 1024 * kKiB;
   const std::string meminfo = "MemTotal: 8000000 kB\nMemAvailable: 2000000 kB\nSwapFree: 500000 kB\n";
   const std::string v2 = "sys/fs/cgroup/", v1 = "sys/fs/cgroup/memory/";
   using Files = std::map<std::string, std::string>;
-  const struct { const char* name; Files files; std::optional<std::uint64_t> available; } cases[] = {
+  const struct {
+    const char* name;
+    Files files;
+    std::optional<std::uint64_t> available;
+  } cases[] = {
       {"memory and swap", {{"proc/meminfo", meminfo}}, 2500000 * kKiB},
-      {"a key that only begins like it", {{"proc/meminfo", "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n"}}, 3 * kKiB},
+      {"a key that only begins like it",
+       {{"proc/meminfo", "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n"}},
+       3 * kKiB},
       {"nothing to tell by", {{"proc/meminfo", "MemTotal: 8 kB\nMemAvailable: many kB\n"}}, std::nullopt},
       {"version 2: the limit less what the group holds beyond its file cache",
-       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/app\n"}, {v2 + "app/memory.max", "268435456\n"},
-        {v2 + "app/memory.current", "157286400\n"}, {v2 + "app/memory.stat", "anon 1\nactive_file 20971520\n"
-                                                                               "inactive_file 31457280\n"}},
+       {{"proc/meminfo", meminfo},
+        {"proc/self/cgroup", "0::/app\n"},
+        {v2 + "app/memory.max", "268435456\n"},
+        {v2 + "app/memory.current", "157286400\n"},
+        {v2 + "app/memory.stat",
+         "anon 1\nactive_file 20971520\n"
+         "inactive_file 31457280\n"}},
        156 * kMiB},
       {"version 2: a lower limit above the group",
-       {{"proc/self/cgroup", "0::/a/b\n"}, {v2 + "a/memory.max", "104857600\n"}, {v2 + "a/memory.current", "62914560"},
-        {v2 + "a/b/memory.max", "max\n"}, {v2 + "a/b/memory.current", "62914560"}},
+       {{"proc/self/cgroup", "0::/a/b\n"},
+        {v2 + "a/memory.max", "104857600\n"},
+        {v2 + "a/memory.current", "62914560"},
+        {v2 + "a/b/memory.max", "max\n"},
+        {v2 + "a/b/memory.current", "62914560"}},
        40 * kMiB},
       {"version 1: the memory controller's group, which holds more than its limit",
-       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "5:cpu:/c\n4:cpuacct,memory:/x/y\n"},
-        {v1 + "x/y/memory.limit_in_bytes", "1048576\n"}, {v1 + "x/y/memory.usage_in_bytes", "9437184\n"},
+       {{"proc/meminfo", meminfo},
+        {"proc/self/cgroup", "5:cpu:/c\n4:cpuacct,memory:/x/y\n"},
+        {v1 + "x/y/memory.limit_in_bytes", "1048576\n"},
+        {v1 + "x/y/memory.usage_in_bytes", "9437184\n"},
         {v1 + "x/y/memory.stat", "inactive_file 1048576\ntotal_inactive_file 2097152\n"}},
        0},
       {"a group the file system doesn't show counts from its root",
-       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/elsewhere\n"}, {v2 + "memory.max", "67108864\n"}},
+       {{"proc/meminfo", meminfo},
+        {"proc/self/cgroup", "0::/elsewhere\n"},
+        {v2 + "memory.max", "67108864\n"}},
        64 * kMiB},
       {"files that fail to read", {{"proc/meminfo", "/"}, {"proc/self/cgroup", "/"}}, std::nullopt},
-      {"a group file that fails to read", {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/a\n"},
-                                            {v2 + "a/memory.max", "/"}}, 2500000 * kKiB},
+      {"a group file that fails to read",
+       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/a\n"}, {v2 + "a/memory.max", "/"}},
+       2500000 * kKiB},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     test::TempDir root;
     for (const auto& [path, text] : c.files) {
       std::filesystem::create_directories((root / path).parent_path());
-      if (text == "/") std::filesystem::create_directory(root / path);
-      else test::WriteFile(root / path, text);
+      if (text == "/")
+        std::filesystem::create_directory(root / path);
+      else
+        test::WriteFile(root / path, text);
     }
     EXPECT_EQ(sys::AvailableMemory(root.path().string()), c.available);
   }
@@ -145,10 +176,15 @@ long Count(const Module1& m, std::uint8_t byte) {
 }
 
 TEST(SizeBuffer, OneSpareElementOrEverythingAsItWas) {
-  const struct { Address first, last; SizeResult result; Address size; } cases[] = {  // size: BufSize afterwards
+  const struct {
+    Address first, last;
+    SizeResult result;
+    Address size;
+  } cases[] = {
+      // size: BufSize afterwards
       {0x1000, 0x1000, SizeResult::Ok, 1},
-      {0x11, 0x10, SizeResult::Ok, 0},  // an empty area is allowed
-      {0, kLargePage - 2, SizeResult::Ok, kLargePage - 1},  // one large page, spare element included
+      {0x11, 0x10, SizeResult::Ok, 0},                          // an empty area is allowed
+      {0, kLargePage - 2, SizeResult::Ok, kLargePage - 1},      // one large page, spare element included
       {0, 3 * kLargePage, SizeResult::Ok, 3 * kLargePage + 1},  // a part page at the end
       {0x10, 0x0, SizeResult::NegativeSize, 0x100},
       {0x0, 0xFFFFFFFF, SizeResult::TooLarge, 0x100},
@@ -170,7 +206,10 @@ TEST(SizeBuffer, OneSpareElementOrEverythingAsItWas) {
 }
 
 TEST(FormLoad, TakesTheStoredAreaOrFallsBackSilentlyAndExitStoresTheFields) {
-  const struct { const char *storedFirst, *storedLast, *shownFirst, *shownLast; Address bufFirst, bufLast; } cases[] = {
+  const struct {
+    const char *storedFirst, *storedLast, *shownFirst, *shownLast;
+    Address bufFirst, bufLast;
+  } cases[] = {
       {"", "", "00000000", "0007FFFF", 0, 0x7FFFF},  // empty store
       {"00001000", "00001FFF", "00001000", "00001FFF", 0x1000, 0x1FFF},
       {"00000010", "00000000", "00000000", "0007FFFF", 0, 0x7FFFF},  // last below first - 1
@@ -200,13 +239,22 @@ TEST(FormLoad, TakesTheStoredAreaOrFallsBackSilentlyAndExitStoresTheFields) {
 
 TEST(KeyFilters, PassChangeOrSwallow) {
   // What each filter passes on: address, byte, offset field.
-  const struct { const char* field; int key, address, byte, offset; } cases[] = {
-      {"", 'a', 'A', 'A', 'A'},           {"", 'G', 0, 0, 0},
-      {"", 13, 0, 0, 0},                  {"", 22, 0, 0, 0},  // Enter, Ctrl+V
-      {"", '-', 0, 0, '-'},               {"12", '3', '3', 0, '3'},  // the byte field holds two digits
-      {"1234567", '8', '8', 0, '8'},      {"12345678", 'c', 0, 0, 'C'},  // a ninth only for an offset
-      {"-12345678", '1', 0, 0, 0},        {"12345678", 8, 8, 8, 8},  // Backspace at any length
-      {"123456789", '.', '.', '.', '.'},  {"12345678", '\'', '\'', '\'', '\''},
+  const struct {
+    const char* field;
+    int key, address, byte, offset;
+  } cases[] = {
+      {"", 'a', 'A', 'A', 'A'},
+      {"", 'G', 0, 0, 0},
+      {"", 13, 0, 0, 0},
+      {"", 22, 0, 0, 0},  // Enter, Ctrl+V
+      {"", '-', 0, 0, '-'},
+      {"12", '3', '3', 0, '3'},  // the byte field holds two digits
+      {"1234567", '8', '8', 0, '8'},
+      {"12345678", 'c', 0, 0, 'C'},  // a ninth only for an offset
+      {"-12345678", '1', 0, 0, 0},
+      {"12345678", 8, 8, 8, 8},  // Backspace at any length
+      {"123456789", '.', '.', '.', '.'},
+      {"12345678", '\'', '\'', '\'', '\''},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string("field '") + c.field + "' key " + std::to_string(c.key));
@@ -236,7 +284,8 @@ TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
     }
     EXPECT_EQ(platform.messages, messages);
     EXPECT_EQ(m.frmsumtool, expected);
-    EXPECT_EQ(platform.pointers, (answer == vbYes ? std::vector<int>{vbHourglass, vbDefault} : std::vector<int>{}));
+    EXPECT_EQ(platform.pointers,
+              (answer == vbYes ? std::vector<int>{vbHourglass, vbDefault} : std::vector<int>{}));
     EXPECT_EQ(Count(m, 0xFF), answer == vbYes ? 0x100 : 0xFE) << "FF, but not the spare element";
   }
 }

@@ -33,7 +33,13 @@ std::string Head(char first, std::size_t lineEnd, char end = '\r') {
 TEST(DecideFormat, FirstByteAndALineEndWithinTheProbe) {
   const auto W = ReadingMode::Window, T = ReadingMode::Tolerant;
   const auto E = FormatBasis::Extension, C = FormatBasis::Content;
-  const struct { const char* extension; std::string head; ReadingMode mode; LoadFormat format; FormatBasis basis; } cases[] = {
+  const struct {
+    const char* extension;
+    std::string head;
+    ReadingMode mode;
+    LoadFormat format;
+    FormatBasis basis;
+  } cases[] = {
       {"DAT", Head(':', 523), W, LoadFormat::HEX, C},
       {"DAT", Head(':', 524), W, LoadFormat::BIN, C},
       {"DAT", Head(':', 523, '\n'), W, LoadFormat::HEX, C},
@@ -59,9 +65,10 @@ TEST(DecideFormat, FirstByteAndALineEndWithinTheProbe) {
 struct LoadCase {
   const char *name, *what;  // name: the bare file name, whose extension counts
   std::string file;
-  std::vector<std::pair<Address, std::vector<std::uint8_t>>> stored;  // every byte the load changes, by address
-  const char* message = "";   // the one message box, or none
-  std::uint64_t line = 0;     // the failing record's line
+  std::vector<std::pair<Address, std::vector<std::uint8_t>>>
+      stored;                // every byte the load changes, by address
+  const char* message = "";  // the one message box, or none
+  std::uint64_t line = 0;    // the failing record's line
   Address first = 0, last = kLast, offset = 0;
 };
 
@@ -78,7 +85,8 @@ std::string Lines(std::initializer_list<std::string> lines, const char* end = "\
 }
 
 // Records of 01 02 03 04 at 1000, the same with a bad checksum, and 05 06 07 08 at 1010.
-const std::string kHex = ":0410000001020304E2", kHexBad = ":0410000001020304E3", kHexNext = ":0410100005060708C2";
+const std::string kHex = ":0410000001020304E2", kHexBad = ":0410000001020304E3",
+                  kHexNext = ":0410100005060708C2";
 const std::string kS = "S107100001020304DE", kSBad = "S107100001020304DF", kSNext = "S107101005060708BE";
 
 TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
@@ -97,37 +105,93 @@ TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
       {H, "clipped to its first byte", hex, {{0x1000, {1}}}, "", 0, 0, 0x1000},
       {H, "offset below zero drops", hex, {{0, {3, 4}}}, "", 0, 0, kLast, -0x1002},
       {H, "passed over: checksum untested", Lines({kHexBad}), {}, "", 0, 0, 0xFFF},
-      {H, "clipped: stores, sums all, stops", Lines({kHexBad, kHexNext}), {{0x1002, {3, 4}}}, "SUM Error", 1, 0x1002},
+      {H,
+       "clipped: stores, sums all, stops",
+       Lines({kHexBad, kHexNext}),
+       {{0x1002, {3, 4}}},
+       "SUM Error",
+       1,
+       0x1002},
       {H, "segment base", Lines({":020000021000EC", kHex}), {{0x11000, b1234}}},
-      {H, "linear base FFFF", Lines({":02000004FFFFFC", kHex}), {{0x1000, b1234}}, "", 0, 0, kLast,
+      {H,
+       "linear base FFFF",
+       Lines({":02000004FFFFFC", kHex}),
+       {{0x1000, b1234}},
+       "",
+       0,
+       0,
+       kLast,
        -Address{0xFFFF0000}},
       {H, "bad base checksum", Lines({kHex, ":020000021000ED", kHexNext}), {{0x1000, b1234}}, "SUM Error", 2},
       {H, "base record of count 0", Lines({":00000004FC"}), {}, "Format Error", 1},
-      {H, "any start mark; a-f", Lines({" 0410000001020304e2", "x04100000010a0b0cca"}), {{0x1000, {1, 0xA, 0xB, 0xC}}}},
+      {H,
+       "any start mark; a-f",
+       Lines({" 0410000001020304e2", "x04100000010a0b0cca"}),
+       {{0x1000, {1, 0xA, 0xB, 0xC}}}},
       {H, "empty line", Lines({kHex, "", kHexNext}), {{0x1000, b1234}}, "Format Error", 2},
-      {H, "end and other types: sum unread", Lines({":00000001FF", ":0100000600FF", kHex}), {{0x1000, b1234}}},
+      {H,
+       "end and other types: sum unread",
+       Lines({":00000001FF", ":0100000600FF", kHex}),
+       {{0x1000, b1234}}},
       {H, "other type, wrong length", Lines({":0100000600"}), {}, "Format Error", 1},
       {H, "count 0 in range, checksum tested", Lines({":00100000F0", ":00100000F1"}), {}, "SUM Error", 2},
       {H, "record past FFFF does not wrap", Lines({":04FFFE0001020304F5"}), {{0xFFFE, b1234}}},
-      {H, "bad digit: earlier bytes stay", Lines({":04100000010203G4E2"}), {{0x1000, {1, 2, 3}}}, "Format Error", 1},
+      {H,
+       "bad digit: earlier bytes stay",
+       Lines({":04100000010203G4E2"}),
+       {{0x1000, {1, 2, 3}}},
+       "Format Error",
+       1},
 
       {S, "S2 and S1", Lines({"S20801200001020304CC", kSNext}), {{0x12000, b1234}, {0x1010, b5678}}},
       {".S", "only an extension; s3 in lower case", Lines({"s3090001200001020304cb"}), {{0x12000, b1234}}},
-      {S, "S3 at the top", Lines({"S309FFFFFFFE01020304F1"}), {{0xFFE, b1234}}, "", 0, 0, kLast, -Address{0xFFFFF000}},
+      {S,
+       "S3 at the top",
+       Lines({"S309FFFFFFFE01020304F1"}),
+       {{0xFFE, b1234}},
+       "",
+       0,
+       0,
+       kLast,
+       -Address{0xFFFFF000}},
       {S, "offset does not wrap at 32 bits", Lines({"S309FFFFFFFE01020304F1"}), {}, "", 0, 0, kLast, 2},
       {S, "passed over: length still tested", Lines({kS + "0"}), {}, "Format Error", 1, 0, 0xFFF},
       {S, "bad checksum stores first", Lines({kS, kSBad, kSNext}), {{0x1000, b1234}}, "SUM Error", 2},
-      {S, "other records unread", Lines({"S0", "S5zz", "S7", "S8 anything", "S9030000FF", kS}), {{0x1000, b1234}}},
+      {S,
+       "other records unread",
+       Lines({"S0", "S5zz", "S7", "S8 anything", "S9030000FF", kS}),
+       {{0x1000, b1234}}},
       {S, "S6 count record", Lines({"S6030000FC"}), {}, "Format Error", 1},
       {S, "empty line", Lines({kS, "", kSNext}), {{0x1000, b1234}}, "Format Error", 2},
       {S, "lone LF: one long S0 line", Lines({"S00600004844521B", kS}, "\n"), {}},
-      {S, "bad address digit: the group ends", Lines({"S10710G001020304DE"}), {{0x0010, b1234}}, "Format Error", 1},
+      {S,
+       "bad address digit: the group ends",
+       Lines({"S10710G001020304DE"}),
+       {{0x0010, b1234}},
+       "Format Error",
+       1},
 
       {B, "offset +10 leaves the first addresses", bin, {{0x2010, all}}, "", 0, 0x2000, kLast, 0x10},
-      {B, "offset -10 drops the head", bin, {{0x2000, {all.begin() + 16, all.end()}}}, "", 0, 0x2000, kLast, -0x10},
+      {B,
+       "offset -10 drops the head",
+       bin,
+       {{0x2000, {all.begin() + 16, all.end()}}},
+       "",
+       0,
+       0x2000,
+       kLast,
+       -0x10},
       {B, "offset -100 stores nothing", bin, {}, "", 0, 0x2000, kLast, -0x100},
       {B, "first byte above LoadLast", bin, {}, "", 0, 0x2000, 0x20FF, 0x100},
-      {B, "offset and range both cut", bin, {{0x2000, {all.begin() + 8, all.begin() + 16}}}, "", 0, 0x2000, 0x2007, -8},
+      {B,
+       "offset and range both cut",
+       bin,
+       {{0x2000, {all.begin() + 8, all.begin() + 16}}},
+       "",
+       0,
+       0x2000,
+       0x2007,
+       -8},
       {B, "end of the area", bin, {{kLast - 3, {all.begin(), all.begin() + 4}}}, "", 0, kLast - 3},
   };
   for (const LoadCase& c : cases) {
@@ -139,7 +203,8 @@ TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
     const LoadReport report = LoadObjectBytes(m, platform, c.first, c.last, c.name, c.file);
     std::vector<std::uint8_t> expected(kLast + 1, 0x5A);
     for (const auto& [at, bytes] : c.stored) std::copy(bytes.begin(), bytes.end(), expected.begin() + at);
-    const auto wrong = std::mismatch(expected.begin(), expected.end(), m.Buffer.data()).first - expected.begin();
+    const auto wrong =
+        std::mismatch(expected.begin(), expected.end(), m.Buffer.data()).first - expected.begin();
     EXPECT_EQ(wrong, kLast + 1) << "the first wrong byte is at " << std::hex << wrong;
     const bool ok = *c.message == '\0';
     EXPECT_EQ(platform.Texts(), ok ? std::vector<std::string>{} : std::vector<std::string>{c.message});
@@ -158,17 +223,32 @@ TEST(LoadObjectBytes, LineEndsAndLayoutInBothModes) {
     std::size_t changed;
   };
   const std::string sHeader = "S00600004844521B";
-  const struct { const char *name, *what; std::string file; Outcome tolerant, window; } cases[] = {
+  const struct {
+    const char *name, *what;
+    std::string file;
+    Outcome tolerant, window;
+  } cases[] = {
       {"T.HEX", "LF", Lines({kHex, kHexNext}, "\n"), {"", 0, 8}, {"Format Error", 1, 0}},
       {"T.HEX", "CR", Lines({kHex, kHexNext}, "\r"), {"", 0, 8}, {"", 0, 8}},
       {"T.HEX", "mixed", kHex + "\r\n" + kHexNext + "\n:00000001FF\r", {"", 0, 8}, {"Format Error", 2, 4}},
       {"T.HEX", "blank first line", Lines({"", kHex}), {"", 0, 4}, {"Format Error", 1, 0}},
-      {"T.HEX", "blank middle line, counted", Lines({kHex, " \t", ":0410100005060708C3"}, "\n"), {"SUM Error", 3, 8},
+      {"T.HEX",
+       "blank middle line, counted",
+       Lines({kHex, " \t", ":0410100005060708C3"}, "\n"),
+       {"SUM Error", 3, 8},
        {"Format Error", 1, 0}},
       {"T.HEX", "blank last line", Lines({kHex, ""}), {"", 0, 4}, {"Format Error", 2, 4}},
       {"T.HEX", "trailing blanks", Lines({kHex + " \t"}), {"", 0, 4}, {"Format Error", 1, 0}},
-      {"T.HEX", "Ctrl-Z after the last line end", Lines({kHex}) + "\x1A\x1A", {"", 0, 4}, {"Format Error", 2, 4}},
-      {"T.HEX", "Ctrl-Z inside", Lines({kHex, "\x1A", kHexNext}), {"Format Error", 2, 4}, {"Format Error", 2, 4}},
+      {"T.HEX",
+       "Ctrl-Z after the last line end",
+       Lines({kHex}) + "\x1A\x1A",
+       {"", 0, 4},
+       {"Format Error", 2, 4}},
+      {"T.HEX",
+       "Ctrl-Z inside",
+       Lines({kHex, "\x1A", kHexNext}),
+       {"Format Error", 2, 4},
+       {"Format Error", 2, 4}},
       {"T.HEX", "S records", Lines({kS}), {"", 0, 4}, {"Format Error", 1, 0}},
       {"T.S", "HEX records", Lines({kHex}), {"", 0, 4}, {"Format Error", 1, 0}},
       {"T.S", "LF after an S0 header", Lines({sHeader, kS}, "\n"), {"", 0, 4}, {"", 0, 0}},
@@ -182,7 +262,8 @@ TEST(LoadObjectBytes, LineEndsAndLayoutInBothModes) {
       std::fill_n(m.Buffer.data(), kLast + 1, 0x5A);
       ScriptedPlatform platform;
       const LoadReport report = LoadObjectBytes(m, platform, 0, kLast, c.name, c.file, ReadIn(mode));
-      EXPECT_EQ(std::count_if(m.Buffer.data(), m.Buffer.data() + kLast + 1, [](std::uint8_t b) { return b != 0x5A; }),
+      EXPECT_EQ(std::count_if(m.Buffer.data(), m.Buffer.data() + kLast + 1,
+                              [](std::uint8_t b) { return b != 0x5A; }),
                 static_cast<std::ptrdiff_t>(want.changed));
       EXPECT_EQ(report.stored, want.changed);
       EXPECT_EQ(report.message, want.message);
@@ -195,37 +276,43 @@ TEST(LoadObjectBytes, LineEndsAndLayoutInBothModes) {
 TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
   // The command runs in a folder holding the binary IN, of size bytes, and writes out; the load gives
   // message ("" for none) at line, and the image holds the binary at base if bytesLoaded, else is untouched.
-  const char* intelhex = "/usr/bin/python3 -c \"import intelhex; h = intelhex.IntelHex(); "
-                         "h.loadbin('IN', offset=0x10000); h.write_hex_file('OUT.hex')\"";
+  const char* intelhex =
+      "/usr/bin/python3 -c \"import intelhex; h = intelhex.IntelHex(); "
+      "h.loadbin('IN', offset=0x10000); h.write_hex_file('OUT.hex')\"";
   const struct {
     const char *command, *out, *message;
     std::size_t line, base, size;
     bool bytesLoaded;
     ReadingMode mode = ReadingMode::Window;
   } cases[] = {
-      {"srec_cat IN -binary -offset 0x10000 -o OUT.hex -intel -crlf", "OUT.hex", "", 0, 0x10000, 0x30000, true},
+      {"srec_cat IN -binary -offset 0x10000 -o OUT.hex -intel -crlf", "OUT.hex", "", 0, 0x10000, 0x30000,
+       true},
       {"srec_cat IN -binary -o OUT.s -motorola -address-length=2 -crlf", "OUT.s", "", 0, 0, 0xF000, true},
-      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=3 -crlf", "OUT.s", "", 0, 0x10000,
-       0x30000, true},
-      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=4 -crlf", "OUT.s", "", 0, 0x10000,
-       0x30000, true},
+      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=3 -crlf", "OUT.s", "", 0,
+       0x10000, 0x30000, true},
+      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=4 -crlf", "OUT.s", "", 0,
+       0x10000, 0x30000, true},
       // objcopy writes extended segment records below 1 MiB.
-      {"objcopy -I binary -O ihex --change-addresses 0x10000 IN OUT.hex", "OUT.hex", "", 0, 0x10000, 0x30000, true},
-      {"objcopy -I binary -O srec --change-addresses 0x10000 IN OUT.s", "OUT.s", "", 0, 0x10000, 0x30000, true},
+      {"objcopy -I binary -O ihex --change-addresses 0x10000 IN OUT.hex", "OUT.hex", "", 0, 0x10000, 0x30000,
+       true},
+      {"objcopy -I binary -O srec --change-addresses 0x10000 IN OUT.s", "OUT.s", "", 0, 0x10000, 0x30000,
+       true},
       // Past 65535 data records srec_cat counts them in an S6 record, a type the reader refuses: every
       // byte is in by then. One byte a record makes a file of several reading blocks.
-      {"srec_cat IN -binary -o OUT.s -motorola -obs=1 -crlf", "OUT.s", "Format Error", 0x20002, 0, 0x20000, true},
+      {"srec_cat IN -binary -o OUT.s -motorola -obs=1 -crlf", "OUT.s", "Format Error", 0x20002, 0, 0x20000,
+       true},
       // Without -crlf srec_cat ends its lines with a lone LF, which ends no line here: a HEX file is one line
       // too long. (An S file is one line that begins with its S0 header and is passed over: the unit row.)
       {"srec_cat IN -binary -o OUT.hex -intel", "OUT.hex", "Format Error", 1, 0, 0x1000, false},
       // Read tolerantly, the files load as the tools write them, lone LFs and all.
       {"srec_cat IN -binary -o OUT.hex -intel", "OUT.hex", "", 0, 0, 0x1000, true, ReadingMode::Tolerant},
-      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=3", "OUT.s", "", 0, 0x10000, 0x30000,
-       true, ReadingMode::Tolerant},
+      {"srec_cat IN -binary -offset 0x10000 -o OUT.s -motorola -address-length=3", "OUT.s", "", 0, 0x10000,
+       0x30000, true, ReadingMode::Tolerant},
       {"objcopy -I binary -O srec IN OUT.s", "OUT.s", "", 0, 0, 0x8000, true, ReadingMode::Tolerant},
       {intelhex, "OUT.hex", "", 0, 0x10000, 0x30000, true, ReadingMode::Tolerant},
   };
-  if (test::kWindows) GTEST_SKIP() << "srec_cat and objcopy are Linux programs: the Linux run compares with them";
+  if (test::kWindows)
+    GTEST_SKIP() << "srec_cat and objcopy are Linux programs: the Linux run compares with them";
   std::mt19937 random(1);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.command);
@@ -243,7 +330,8 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
     ScriptedPlatform platform;
     m.LoadFileName = (dir / c.out).string();
     const LoadReport report = LoadObjectFile(m, platform, 0, kLast, c.out, ReadIn(c.mode));
-    EXPECT_EQ(platform.Texts(), *c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
+    EXPECT_EQ(platform.Texts(),
+              *c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
     EXPECT_EQ(report.line, c.line);
     std::string expected(kLast + 1, '\xFF');
     if (c.bytesLoaded) expected.replace(c.base, c.size, binary);
@@ -255,7 +343,10 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
 // and a closing Ctrl-Z go.
 TEST(LineReader, CrOrCrLfEndsALineAndALoneLfStays) {
   using Lines = std::vector<std::string>;
-  const struct { std::string bytes; Lines window, tolerant; } cases[] = {
+  const struct {
+    std::string bytes;
+    Lines window, tolerant;
+  } cases[] = {
       {"", {}, {}},
       {"a\r\nb\r\n", {"a", "b"}, {"a", "b"}},
       {"\r\r\n\r", {"", "", ""}, {}},
@@ -335,7 +426,8 @@ TEST(LoadDialog, RefusesTheFirstBadFieldOrTakesTheSignedOffset) {
       {"app.hex", "0", "7FFFF", nullptr, "Load Complete!", "00000000", 0},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.message) + " " + c.text4 + ".." + c.text3 + " " + (c.text2 ? c.text2 : "unticked"));
+    SCOPED_TRACE(std::string(c.message) + " " + c.text4 + ".." + c.text3 + " " +
+                 (c.text2 ? c.text2 : "unticked"));
     Dialog d("");  // an empty file loads as well
     d.f.Text1 = c.text1, d.f.Text4 = c.text4, d.f.Text3 = c.text3;
     d.f.Check1 = d.f.Text2Visible = c.text2 != nullptr;
@@ -358,13 +450,16 @@ TEST(LoadDialog, AfterALoad) {
   d.f.Text4 = "1000", d.f.Text3 = "1002";
   ASSERT_TRUE(d.Load());
   EXPECT_EQ(d.m.LoadFileName, (d.dir / "app.hex").string());
-  EXPECT_EQ(std::vector<std::uint8_t>(&d.m.At(0x1001), &d.m.At(0x1004)), (std::vector<std::uint8_t>{2, 3, 0xFF}));
+  EXPECT_EQ(std::vector<std::uint8_t>(&d.m.At(0x1001), &d.m.At(0x1004)),
+            (std::vector<std::uint8_t>{2, 3, 0xFF}));
   EXPECT_EQ(d.m.frmsumtool.Text1, "app.hex");
   EXPECT_FALSE(d.m.frmsumtool.cmdeditplusEnabled || d.m.frmsumtool.cmdeditminusEnabled);
   EXPECT_TRUE(d.f.Command1Enabled && d.f.Command2Enabled && d.platform.pointer == vbDefault);
   const std::map<MemorySettings::Key, std::string> stored = {
-      {{kApp, kAddress, "LoadFirst"}, "00001000"}, {{kApp, kAddress, "LoadLast"}, "00001002"},
-      {{kApp, kFilePath, "LoadDrive"}, "/"}, {{kApp, kFilePath, "LoadDir"}, d.dir.path().string()}};
+      {{kApp, kAddress, "LoadFirst"}, "00001000"},
+      {{kApp, kAddress, "LoadLast"}, "00001002"},
+      {{kApp, kFilePath, "LoadDrive"}, "/"},
+      {{kApp, kFilePath, "LoadDir"}, d.dir.path().string()}};
   EXPECT_EQ(d.store.values, stored);
 }
 

@@ -166,9 +166,10 @@ RunResult RunProgram(const std::vector<std::string>& argv, const std::filesystem
   // /root, say): it runs a copy from a folder that everyone can enter.
   std::vector<std::string> args = argv;
   if (options.unprivileged && geteuid() == 0) {
-    std::filesystem::permissions(capture.path(), std::filesystem::perms::owner_all |
-                                                     std::filesystem::perms::group_read | std::filesystem::perms::group_exec |
-                                                     std::filesystem::perms::others_read | std::filesystem::perms::others_exec);
+    std::filesystem::permissions(
+        capture.path(), std::filesystem::perms::owner_all | std::filesystem::perms::group_read |
+                            std::filesystem::perms::group_exec | std::filesystem::perms::others_read |
+                            std::filesystem::perms::others_exec);
     args[0] = (capture / "program").string();
     std::filesystem::copy_file(argv[0], args[0]);
   }
