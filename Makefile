@@ -11,7 +11,7 @@ BUILD_TYPE ?= RelWithDebInfo
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 # Debian packages the build and the tests need.
-PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
+PACKAGES = cmake ninja-build g++ clang clang-format libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
            libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core fonts-liberation \
            strace acl dpkg-dev file lintian desktop-file-utils man-db openbox x11-utils \
            g++-mingw-w64-x86-64 wine64
@@ -21,7 +21,7 @@ PACKAGES = cmake ninja-build g++ clang libclang-rt-14-dev pkg-config qt6-base-de
 EXAMPLE = load examples/blink.hex dump 0 sum 0:FFFF \
           save $(BUILD)/blink.s --format s --range 0:FFFF ysm $(BUILD)/blink.YSM --sum 16-16 --range 0:FFFF
 
-.PHONY: all deps configure build run test test-asan test-xvfb test-xvfb-wm fuzz install package package-check windows test-windows clean
+.PHONY: all deps format-check configure build run test test-asan test-xvfb test-xvfb-wm fuzz install package package-check windows test-windows clean
 
 all: build
 
@@ -41,10 +41,25 @@ deps:
 	  fi; \
 	fi
 
+# CMAKE_FLAGS given on the command line (or in the environment) that differ
+# from the last configure's start a fresh one, so that a flag left out is
+# dropped too; without CMAKE_FLAGS the build keeps the flags it has.
+FLAGS_FILE = $(BUILD)/cmake-flags.txt
+ifneq ($(filter command line environment,$(origin CMAKE_FLAGS)),)
+ifneq ($(strip $(CMAKE_FLAGS)),$(strip $(shell cat $(FLAGS_FILE) 2>/dev/null)))
+RECONFIGURE = fresh
+endif
+endif
+
 $(BUILD)/build.ninja: CMakeLists.txt
 	cmake -S . -B $(BUILD) -G Ninja -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) $(CMAKE_FLAGS)
+	printf '%s\n' '$(strip $(CMAKE_FLAGS))' > $(FLAGS_FILE)
 
-configure: deps $(BUILD)/build.ninja
+configure: deps
+ifdef RECONFIGURE
+	rm -f $(BUILD)/CMakeCache.txt $(BUILD)/build.ninja
+endif
+	@$(MAKE) --no-print-directory $(BUILD)/build.ninja
 
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
@@ -62,6 +77,10 @@ run: build
 
 test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+# Every C++ file as the committed .clang-format lays it out.
+format-check: deps
+	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 
 # Stripped, as a package holds them; DESTDIR stages the tree elsewhere.
 PREFIX ?= /usr/local

@@ -40,9 +40,9 @@ const char* FirstLineEnd(const char* p, const char* end) {
     for (; end - p >= 8; p += 8) {
       std::uint64_t x;
       std::memcpy(&x, p, 8);
-      const std::uint64_t cr = x ^ (kCr * kOnes), lf = x ^ (kLf * kOnes);
+      const std::uint64_t xcr = x ^ (kCr * kOnes), xlf = x ^ (kLf * kOnes);
       // A byte of zero sets its high bit; only bytes above the first can be set wrongly.
-      const std::uint64_t found = (((cr - kOnes) & ~cr) | ((lf - kOnes) & ~lf)) & kHigh;
+      const std::uint64_t found = (((xcr - kOnes) & ~xcr) | ((xlf - kOnes) & ~xlf)) & kHigh;
       if (found != 0) return p + std::countr_zero(found) / 8;
     }
   }
