@@ -173,12 +173,12 @@ struct Model {
 };
 
 struct ModelOutcome {
-  LoadFormat format = LoadFormat::BIN;
+  ObjectFormat format = ObjectFormat::BIN;
   Status status = Status::Ok;
   std::uint64_t line = 0;
 };
 
-LoadFormat ModelFormat(std::string_view name, std::string_view file, bool tolerant) {
+ObjectFormat ModelFormat(std::string_view name, std::string_view file, bool tolerant) {
   const auto dot = name.find('.');
   const std::string_view extension =
       dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
@@ -189,23 +189,23 @@ LoadFormat ModelFormat(std::string_view name, std::string_view file, bool tolera
   }
   const bool colon = !file.empty() && file[0] == ':';
   const bool sRecord = file.size() >= 2 && file[0] == 'S' && file[1] >= '0' && file[1] <= '9';
-  if (EqualsIgnoreCase(extension, "HEX")) return tolerant && sRecord ? LoadFormat::S : LoadFormat::HEX;
-  if (EqualsIgnoreCase(extension, "BIN")) return LoadFormat::BIN;
-  if (EqualsIgnoreCase(extension, "S")) return tolerant && colon ? LoadFormat::HEX : LoadFormat::S;
-  if (file.empty()) return LoadFormat::BIN;
+  if (EqualsIgnoreCase(extension, "HEX")) return tolerant && sRecord ? ObjectFormat::S : ObjectFormat::HEX;
+  if (EqualsIgnoreCase(extension, "BIN")) return ObjectFormat::BIN;
+  if (EqualsIgnoreCase(extension, "S")) return tolerant && colon ? ObjectFormat::HEX : ObjectFormat::S;
+  if (file.empty()) return ObjectFormat::BIN;
   const auto lineEndWithin = [&](std::size_t span) {
     return file.substr(0, span).find_first_of("\r\n") != std::string_view::npos;
   };
-  if (file[0] == 'S' && lineEndWithin(514)) return LoadFormat::S;
-  if (file[0] == ':' && lineEndWithin(523)) return LoadFormat::HEX;
-  return LoadFormat::BIN;
+  if (file[0] == 'S' && lineEndWithin(514)) return ObjectFormat::S;
+  if (file[0] == ':' && lineEndWithin(523)) return ObjectFormat::HEX;
+  return ObjectFormat::BIN;
 }
 
 ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view file, bool tolerant) {
   ModelOutcome outcome;
   if (file.empty()) return outcome;
   outcome.format = ModelFormat(name, file, tolerant);
-  if (outcome.format == LoadFormat::BIN) {
+  if (outcome.format == ObjectFormat::BIN) {
     for (std::size_t k = 0; k < file.size(); ++k) {
       const Address A = model.loadFirst + model.offset + static_cast<Address>(k);
       if (A > model.loadLast) break;
@@ -216,7 +216,7 @@ ModelOutcome ModelLoad(Model& model, std::string_view name, std::string_view fil
   }
   for (const ModelLine& line : SplitLines(file, tolerant)) {
     outcome.line = line.number;
-    outcome.status = outcome.format == LoadFormat::HEX ? model.HexLine(line.text) : model.SLine(line.text);
+    outcome.status = outcome.format == ObjectFormat::HEX ? model.HexLine(line.text) : model.SLine(line.text);
     if (outcome.status != Status::Ok) return outcome;
   }
   outcome.line = 0;

@@ -5,12 +5,13 @@
 
 #include "bufferops/Crc.h"
 #include "bufferops/Sum.h"
+#include "image/Formats.h"
 #include "image/Module1.h"
 
 namespace kestrum {
 
 enum class ByteOrder { Big, Little };
-enum class SumKind { Sum8_8, Sum8_16, Sum16_16 };
+
 enum class Complement { None, Ones, Twos };
 
 // The CRC over first..last, both in the area, first <= last.

@@ -182,9 +182,9 @@ bool Survey(CliContext& ctx, const std::string& file) {
     ctx.out << file << ": empty\n";
     return true;
   }
-  ctx.out << file << ": " << FormatName(report.format) << " by " << BasisText(report.basis) << '\n';
+  ctx.out << file << ": " << NameOf(report.format) << " by " << BasisText(report.basis) << '\n';
   FileSource text;
-  if (report.format != LoadFormat::BIN && text.Open(file))
+  if (report.format != ObjectFormat::BIN && text.Open(file))
     ctx.out << "  line ends: " << LineEndsText(CountLineEnds(text)) << '\n';
   survey.Print(ctx.out);
   if (report.Loaded()) return true;

@@ -37,10 +37,10 @@ std::string Count(std::uint64_t n, const char* what) {
 
 // What a load that stored nothing read, for its warning.
 std::string WhatWasRead(const LoadReport& report, const std::string& offset) {
-  if (report.format == LoadFormat::BIN)
+  if (report.format == ObjectFormat::BIN)
     return "read as BIN, " + Count(report.length, "byte") + ", all outside the range at offset " + offset;
-  std::string what = std::string("read as ") + FormatName(report.format) + ", " +
-                     Count(report.lines, "line") + " with " + Count(report.dataRecords, "data record");
+  std::string what = "read as " + std::string(NameOf(report.format)) + ", " + Count(report.lines, "line") +
+                     " with " + Count(report.dataRecords, "data record");
   if (report.dataRecords > 0) what += ", no byte of them inside the range at offset " + offset;
   return what;
 }
@@ -81,15 +81,15 @@ int RunLoad(CliContext& ctx, const Step& step) {
   }
   const std::string range = f.Text4 + ':' + f.Text3;
   if (report.outcome != LoadReport::Outcome::Refused && report.outcome != LoadReport::Outcome::FileFailure &&
-      report.format != LoadFormat::BIN && ctx.mode == ReadingMode::Window &&
+      report.format != ObjectFormat::BIN && ctx.mode == ReadingMode::Window &&
       HoldsLoneLf(ctx.m.LoadFileName)) {
     ctx.err << "kestrum-cli: warning: " << file << ": a lone LF ends no line under --strict\n";
   }
   switch (report.outcome) {
     case LoadReport::Outcome::Loaded:
       if (ctx.verbose) {
-        ctx.err << "load: " << file << " as " << FormatName(report.format) << " by "
-                << BasisText(report.basis) << " into " << range << ", " << report.stored << " bytes stored\n";
+        ctx.err << "load: " << file << " as " << NameOf(report.format) << " by " << BasisText(report.basis)
+                << " into " << range << ", " << report.stored << " bytes stored\n";
       }
       if (report.length > 0 && report.stored == 0) {
         ctx.err << "kestrum-cli: warning: " << file << " stored no byte in " << range << ": "

@@ -14,26 +14,14 @@ namespace {
 struct ContentRule {
   char firstByte;
   std::size_t span;
-  LoadFormat format;
+  ObjectFormat format;
 };
 constexpr ContentRule kContentRules[] = {
-    {'S', 514, LoadFormat::S},
-    {':', 523, LoadFormat::HEX},
+    {'S', 514, ObjectFormat::S},
+    {':', 523, ObjectFormat::HEX},
 };
 
 }  // namespace
-
-const char* FormatName(LoadFormat format) {
-  switch (format) {
-    case LoadFormat::HEX:
-      return "HEX";
-    case LoadFormat::S:
-      return "S";
-    case LoadFormat::BIN:
-      break;
-  }
-  return "BIN";
-}
 
 std::string ExtensionOf(std::string_view bareName) {
   const auto dot = bareName.find('.');
@@ -41,33 +29,29 @@ std::string ExtensionOf(std::string_view bareName) {
   return std::string(bareName.substr(dot + 1));
 }
 
-bool FormatByExtension(std::string_view extension, LoadFormat& format) {
-  for (LoadFormat f : {LoadFormat::HEX, LoadFormat::BIN, LoadFormat::S}) {
-    if (EqualsIgnoreCase(extension, FormatName(f))) {
-      format = f;
-      return true;
-    }
-  }
-  return false;
+bool FormatByExtension(std::string_view extension, ObjectFormat& format) {
+  const auto named = FromName<ObjectFormat>(extension);
+  if (named) format = *named;
+  return named.has_value();
 }
 
 namespace {
 
 // The format that a first byte and a line end close behind it give.
-LoadFormat FormatByContent(std::string_view head) {
-  if (head.empty()) return LoadFormat::BIN;
+ObjectFormat FormatByContent(std::string_view head) {
+  if (head.empty()) return ObjectFormat::BIN;
   for (const ContentRule& rule : kContentRules) {
     if (head.front() != rule.firstByte) continue;
     const std::string_view probe = head.substr(0, std::min(head.size(), rule.span));
-    return probe.find_first_of("\r\n") != std::string_view::npos ? rule.format : LoadFormat::BIN;
+    return probe.find_first_of("\r\n") != std::string_view::npos ? rule.format : ObjectFormat::BIN;
   }
-  return LoadFormat::BIN;
+  return ObjectFormat::BIN;
 }
 
 // A record start that no file of the other text format has in front: a
 // colon, or an S and a digit.
-bool PlainlyStarts(std::string_view head, LoadFormat format) {
-  if (format == LoadFormat::HEX) return !head.empty() && head[0] == ':';
+bool PlainlyStarts(std::string_view head, ObjectFormat format) {
+  if (format == ObjectFormat::HEX) return !head.empty() && head[0] == ':';
   return head.size() >= 2 && head[0] == 'S' && head[1] >= '0' && head[1] <= '9';
 }
 
@@ -78,8 +62,8 @@ FormatDecision DecideFormat(std::string_view extension, std::string_view head, R
     head.remove_prefix(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
   FormatDecision decision;
   if (FormatByExtension(extension, decision.format)) {
-    if (mode == ReadingMode::Window || decision.format == LoadFormat::BIN) return decision;
-    const LoadFormat other = decision.format == LoadFormat::HEX ? LoadFormat::S : LoadFormat::HEX;
+    if (mode == ReadingMode::Window || decision.format == ObjectFormat::BIN) return decision;
+    const ObjectFormat other = decision.format == ObjectFormat::HEX ? ObjectFormat::S : ObjectFormat::HEX;
     if (PlainlyStarts(head, other)) decision = {other, FormatBasis::ContentOverExtension};
     return decision;
   }

@@ -5,11 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "image/Formats.h"
 #include "reading/ReadingMode.h"
 
 namespace kestrum {
-
-enum class LoadFormat { BIN, HEX, S };
 
 // What decided a file's format.
 enum class FormatBasis {
@@ -19,12 +18,9 @@ enum class FormatBasis {
 };
 
 struct FormatDecision {
-  LoadFormat format = LoadFormat::BIN;
+  ObjectFormat format = ObjectFormat::BIN;
   FormatBasis basis = FormatBasis::Extension;
 };
-
-// "BIN", "HEX" or "S".
-const char* FormatName(LoadFormat format);
 
 // Everything behind the first dot of a bare file name ("PROG.HEX.BAK" gives
 // "HEX.BAK"); empty without a dot.
@@ -45,6 +41,6 @@ FormatDecision DecideFormat(std::string_view extension, std::string_view head,
                             ReadingMode mode = ReadingMode::Window);
 
 // Whether the extension alone decides, so that the head need not be read.
-bool FormatByExtension(std::string_view extension, LoadFormat& format);
+bool FormatByExtension(std::string_view extension, ObjectFormat& format);
 
 }  // namespace kestrum

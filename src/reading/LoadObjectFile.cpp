@@ -60,7 +60,7 @@ LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& sourc
       target.stored += run.stored;
     }
     if (!lines.Next(line)) break;
-    if (target.observer) target.observer->Line(line.text, report.format == LoadFormat::HEX);
+    if (target.observer) target.observer->Line(line.text, report.format == ObjectFormat::HEX);
     status = reader.ReadLine(target, line, LoadFirst, LoadLast);
   }
   report.lines = lines.LineNumber();
@@ -106,11 +106,11 @@ LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address L
     LoadLast = std::min(LoadLast, m.BufLast);
   }
   switch (decision.format) {
-    case LoadFormat::HEX:
+    case ObjectFormat::HEX:
       return ReadLines<HexReader>(target, platform, source, report, options, LoadFirst, LoadLast);
-    case LoadFormat::S:
+    case ObjectFormat::S:
       return ReadLines<SLines>(target, platform, source, report, options, LoadFirst, LoadLast);
-    case LoadFormat::BIN:
+    case ObjectFormat::BIN:
       break;
   }
   const bool read = ReadBin(target, source, length, LoadFirst, LoadLast);

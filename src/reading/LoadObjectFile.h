@@ -23,7 +23,7 @@ struct LoadReport {
     FileFailure,  // the file could not be opened or read
   };
   Outcome outcome = Outcome::Loaded;
-  LoadFormat format = LoadFormat::BIN;
+  ObjectFormat format = ObjectFormat::BIN;
   FormatBasis basis = FormatBasis::Extension;
   std::uint64_t line = 0;         // the failing record's line, counted from 1
   std::string message;            // the words the message box showed

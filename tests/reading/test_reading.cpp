@@ -37,22 +37,22 @@ TEST(DecideFormat, FirstByteAndALineEndWithinTheProbe) {
     const char* extension;
     std::string head;
     ReadingMode mode;
-    LoadFormat format;
+    ObjectFormat format;
     FormatBasis basis;
   } cases[] = {
-      {"DAT", Head(':', 523), W, LoadFormat::HEX, C},
-      {"DAT", Head(':', 524), W, LoadFormat::BIN, C},
-      {"DAT", Head(':', 523, '\n'), W, LoadFormat::HEX, C},
-      {"DAT", Head('S', 514), W, LoadFormat::S, C},
-      {"DAT", Head('S', 515), W, LoadFormat::BIN, C},
-      {"DAT", "s9030000FC\r\n", T, LoadFormat::BIN, C},  // the raw byte counts
-      {"DAT", "\r\n \t\n" + Head('S', 514), W, LoadFormat::BIN, C},
-      {"DAT", "\r\n \t\n" + Head('S', 514), T, LoadFormat::S, C},
-      {"HEX", "S1", W, LoadFormat::HEX, E},
-      {"hex", "\nS1", T, LoadFormat::S, FormatBasis::ContentOverExtension},
-      {"HEX", "SX", T, LoadFormat::HEX, E},  // no plain start of an S record
-      {"S", ":", T, LoadFormat::HEX, FormatBasis::ContentOverExtension},
-      {"BIN", ":0", T, LoadFormat::BIN, E},
+      {"DAT", Head(':', 523), W, ObjectFormat::HEX, C},
+      {"DAT", Head(':', 524), W, ObjectFormat::BIN, C},
+      {"DAT", Head(':', 523, '\n'), W, ObjectFormat::HEX, C},
+      {"DAT", Head('S', 514), W, ObjectFormat::S, C},
+      {"DAT", Head('S', 515), W, ObjectFormat::BIN, C},
+      {"DAT", "s9030000FC\r\n", T, ObjectFormat::BIN, C},  // the raw byte counts
+      {"DAT", "\r\n \t\n" + Head('S', 514), W, ObjectFormat::BIN, C},
+      {"DAT", "\r\n \t\n" + Head('S', 514), T, ObjectFormat::S, C},
+      {"HEX", "S1", W, ObjectFormat::HEX, E},
+      {"hex", "\nS1", T, ObjectFormat::S, FormatBasis::ContentOverExtension},
+      {"HEX", "SX", T, ObjectFormat::HEX, E},  // no plain start of an S record
+      {"S", ":", T, ObjectFormat::HEX, FormatBasis::ContentOverExtension},
+      {"BIN", ":0", T, ObjectFormat::BIN, E},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.extension + (" " + c.head.substr(0, 12)));
