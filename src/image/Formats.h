@@ -5,8 +5,8 @@
 #include <array>
 #include <cstddef>
 #include <optional>
-#include <type_traits>
 #include <string_view>
+#include <type_traits>
 
 namespace kestrum {
 
