@@ -7,6 +7,7 @@
 #include <QSettings>
 #include <QSpacerItem>
 #include <QStandardPaths>
+#include <QThread>
 
 namespace kestrum::forms {
 
@@ -55,6 +56,7 @@ int QtPlatform::MsgBox(const std::string& text, int style, const std::string& ti
   const bool busy = overridden_;
   if (busy) QApplication::restoreOverrideCursor();
   const int answer = box.exec();
+  WatchUncovered(box.parentWidget(), box.frameGeometry());
   if (busy) QApplication::setOverrideCursor(Qt::WaitCursor);
   if (answer == QMessageBox::Yes) return vbYes;
   if (answer == QMessageBox::No) return vbNo;
@@ -71,8 +73,38 @@ void QtPlatform::SetMousePointer(int pointer) {
   }
 }
 
+bool QtPlatform::ExposeWatch::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Expose && watched == window) exposed = true;
+  return false;
+}
+
+void QtPlatform::WatchUncovered(QWidget* owner, const QRect& boxFrame) {
+  if (watch_.window) watch_.window->removeEventFilter(&watch_);
+  watch_.window = owner ? owner->window()->windowHandle() : nullptr;
+  watch_.exposed = !watch_.window || !owner->window()->frameGeometry().intersects(boxFrame);
+  if (watch_.exposed) return;
+  watch_.uncovered = boxFrame;
+  watch_.since.start();
+  watch_.window->installEventFilter(&watch_);
+}
+
+// A window manager takes the frame of a closed box away in its own time; the
+// window under it is drawn again only once it is gone. Work that began
+// before would leave the box's picture on the screen until it ends.
+void QtPlatform::AwaitUncovered() {
+  constexpr int kPatienceMs = 300;
+  while (!watch_.exposed && watch_.window && watch_.since.elapsed() < kPatienceMs) {
+    QThread::msleep(1);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  }
+  if (watch_.window) watch_.window->removeEventFilter(&watch_);
+  watch_.window = nullptr;
+  watch_.exposed = true;
+}
+
 void QtPlatform::BusyChanged() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  AwaitUncovered();
   for (QWidget* window : QApplication::topLevelWidgets())
     if (window->isVisible()) window->repaint();
 }

@@ -1,6 +1,11 @@
 #pragma once
 // The platform and the settings store as the window program has them.
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QRect>
 #include <QString>
+#include <QWindow>
 
 #include "image/Platform.h"
 #include "image/Settings.h"
@@ -17,10 +22,25 @@ class QtPlatform : public Platform {
   int MsgBox(const std::string& text, int style, const std::string& title) override;
   void SetMousePointer(int pointer) override;
   // Paints every window now: the work that follows holds the event loop.
+  // Where a message box has just closed over the window at work, first
+  // waits (briefly) until the window system has shown that window again.
   void BusyChanged() override;
 
  private:
+  // Watches a window for the window system's request to draw it again.
+  class ExposeWatch : public QObject {
+   public:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    QPointer<QWindow> window;
+    QRect uncovered;  // where a closed box stood, in screen coordinates
+    QElapsedTimer since;
+    bool exposed = true;
+  };
+  void WatchUncovered(QWidget* owner, const QRect& boxFrame);
+  void AwaitUncovered();
+
   bool overridden_ = false;
+  ExposeWatch watch_;
 };
 
 // QSettings in an INI file, APP/APP.conf under the user's configuration
