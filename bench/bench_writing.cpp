@@ -13,7 +13,6 @@
 #include <random>
 #include <string>
 
-#include "image/Platform.h"
 #include "writing/OutputFile.h"
 #include "writing/Writers.h"
 
@@ -23,15 +22,6 @@ using kestrum::Address;
 using kestrum::Module1;
 
 constexpr Address kRangeBytes = Address{64} << 20;
-
-class SilentPlatform : public kestrum::Platform {
- public:
-  int MsgBox(const std::string& text, int, const std::string&) override {
-    std::fprintf(stderr, "%s\n", text.c_str());
-    std::abort();
-  }
-  void SetMousePointer(int) override {}
-};
 
 // Random bytes, so that no writer gains from a uniform image.
 Module1& Image() {
@@ -61,16 +51,15 @@ template <typename Save>
 void Run(benchmark::State& state, int recordLength, Save save) {
   Module1& m = Image();
   m.RecordLength = static_cast<std::int16_t>(recordLength);
-  SilentPlatform platform;
   const bool toFile = state.range(0) != 0;
   // The size of the text comes from a file, also when the runs go to /dev/null.
   const std::string sizing = OutputPath(true);
-  if (save(m, platform, sizing) != kestrum::SaveOutcome::Done) std::abort();
+  if (!save(m, sizing).IsDone()) std::abort();
   const auto size = static_cast<std::int64_t>(std::filesystem::file_size(sizing));
   if (!toFile) std::filesystem::remove(sizing);
   const std::string path = OutputPath(toFile);
   for (auto _ : state) {
-    if (save(m, platform, path) != kestrum::SaveOutcome::Done) std::abort();
+    if (!save(m, path).IsDone()) std::abort();
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * size);
   state.counters["file_MiB"] = static_cast<double>(size) / (1 << 20);
@@ -80,15 +69,13 @@ void Run(benchmark::State& state, int recordLength, Save save) {
 void BM_SaveBin(benchmark::State& state) {
   kestrum::WriteOptions whole;
   whole.replaceWhole = true;
-  Run(state, 0, [&](Module1& m, kestrum::Platform& p, const std::string& f) {
-    return kestrum::SaveBinFile(m, p, f, whole);
-  });
+  Run(state, 0, [&](Module1& m, const std::string& f) { return kestrum::SaveBinFile(m, f, whole); });
 }
 BENCHMARK(BM_SaveBin)->ArgNames({"file"})->Arg(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void BM_SaveHex(benchmark::State& state) {
   Run(state, static_cast<int>(state.range(1)),
-      [](Module1& m, kestrum::Platform& p, const std::string& f) { return kestrum::SaveHexFile(m, p, f); });
+      [](Module1& m, const std::string& f) { return kestrum::SaveHexFile(m, f); });
 }
 BENCHMARK(BM_SaveHex)
     ->ArgNames({"file", "length"})
@@ -98,7 +85,7 @@ BENCHMARK(BM_SaveHex)
 
 void BM_SaveS(benchmark::State& state) {
   Run(state, static_cast<int>(state.range(1)),
-      [](Module1& m, kestrum::Platform& p, const std::string& f) { return kestrum::SaveSFile(m, p, f); });
+      [](Module1& m, const std::string& f) { return kestrum::SaveSFile(m, f); });
 }
 BENCHMARK(BM_SaveS)
     ->ArgNames({"file", "length"})

@@ -54,6 +54,15 @@ bool ParseHex(const std::string& text, int maxDigits, Address& value) {
   return true;
 }
 
+std::optional<SumKind> SumOption(std::string_view text) {
+  for (std::size_t i = 0; i < kSumKindNames.size(); ++i) {
+    std::string_view name = kSumKindNames[i];
+    name.remove_suffix(std::string_view("SUM").size());
+    if (EqualsIgnoreCase(name, text)) return static_cast<SumKind>(i);
+  }
+  return std::nullopt;
+}
+
 bool ParseRange(const std::string& text, Address& first, Address& last, std::string& why) {
   const auto colon = text.find(':');
   if (colon == std::string::npos) {

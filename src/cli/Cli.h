@@ -2,11 +2,14 @@
 // The command line's steps: how they are spelled, and the context they run in.
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "bufferops/CheckValue.h"
 #include "cli/Progress.h"
+#include "image/Formats.h"
 #include "image/Module1.h"
 #include "image/Platform.h"
 #include "reading/LoadObjectFile.h"
@@ -90,6 +93,9 @@ const char* BasisText(FormatBasis basis);
 bool ParseRange(const std::string& text, Address& first, Address& last, std::string& why);
 // Reads hexadecimal text of 1 to maxDigits digits.
 bool ParseHex(const std::string& text, int maxDigits, Address& value);
+// The sum a step's option names: the dialog's name of it without "SUM"
+// ("8-16"), in any case; none for another text.
+std::optional<SumKind> SumOption(std::string_view text);
 
 // A check value to store: --store ADDRESS and --order be|le of a step.
 struct StoreRequest {

@@ -1,66 +1,49 @@
-// Steps that write object and YSM files. They check what the File Save
-// dialog checks, with its words, but write exactly the named file: no
-// extension is added, nothing is asked, and an existing file is replaced
-// whole once the new one is complete.
+// Steps that write object and YSM files. They judge the range and the
+// record length as the File Save dialog does, with its words, but write
+// exactly the named file: no extension is added, nothing is asked, and an
+// existing file is replaced whole once the new one is complete.
 #include <ostream>
 
 #include "cli/Cli.h"
 #include "image/Address.h"
+#include "writing/SaveFlow.h"
 #include "writing/Writers.h"
 
 namespace kestrum::cli {
 
 namespace {
 
-// The range of the step, the area by default, checked in the dialog's order
-// around the record length test that falls between its checks.
-struct RangeCheck {
-  int status = kOk;
-  Address first = 0, last = 0;
-};
-
-RangeCheck CheckRange(CliContext& ctx, const Step& step, bool recordLengthOk) {
-  RangeCheck r;
-  r.first = ctx.m.BufFirst;
-  r.last = ctx.m.BufLast;
-  if (step.Has("--range")) {
-    std::string why;
-    if (!ParseRange(step.Option("--range"), r.first, r.last, why)) {
-      r.status = Fail(ctx, kUsage, "--range: " + why);
-      return r;
-    }
-  }
-  if (r.first > r.last)
-    r.status = Fail(ctx, kUsage, "Address Error!");
-  else if (!recordLengthOk)
-    r.status = Fail(ctx, kUsage, "RecordLength Error!");
-  else if (!ctx.m.InArea(r.first))
-    r.status = Fail(ctx, kUsage, "FirstAddress Error!");
-  else if (!ctx.m.InArea(r.last))
-    r.status = Fail(ctx, kUsage, "LastAddress Error!");
-  return r;
+// The range of the step, the area by default, judged with the record
+// length as the dialog judges them; the range goes to SaveFirst..SaveLast.
+int TakeRange(CliContext& ctx, const Step& step, bool lengthFits) {
+  Address first = ctx.m.BufFirst, last = ctx.m.BufLast;
+  std::string why;
+  if (step.Has("--range") && !ParseRange(step.Option("--range"), first, last, why))
+    return Fail(ctx, kUsage, "--range: " + why);
+  const Outcome range = CheckSaveRange(ctx.m, first, last, lengthFits);
+  if (!range.IsDone()) return Fail(ctx, kUsage, range.words);
+  ctx.m.SaveFirst = first;
+  ctx.m.SaveLast = last;
+  return kOk;
 }
 
-// A writer's failure: its message, already shown to the platform.
-int Failed(CliContext& ctx, SaveOutcome outcome) {
-  ctx.m.FileError = 0;
-  const std::string words = ctx.platform.messages.empty() ? "save failed" : ctx.platform.messages.back();
-  return Fail(ctx, outcome == SaveOutcome::RecordLengthError ? kUsage : kFailed, words);
+// A writer's refusal is the call's fault, a file it could not write is not.
+int Written(CliContext& ctx, const Outcome& outcome) {
+  if (outcome.IsDone()) return kOk;
+  return Fail(ctx, outcome.ending == Ending::Refused ? kUsage : kFailed, outcome.words);
+}
+
+std::string RangeText(const Module1& m) {
+  return AddressToText(m.SaveFirst) + ":" + AddressToText(m.SaveLast);
 }
 
 int RunSave(CliContext& ctx, const Step& step) {
-  const std::string format = step.Option("--format");
-  const bool bin = EqualsIgnoreCase(format, "bin");
+  const std::optional<ObjectFormat> format = FromName<ObjectFormat>(step.Option("--format"));
   Address length = 0x10;
-  const bool lengthOk = bin || !step.Has("--record-length") ||
-                        (ParseHex(step.Option("--record-length"), 2, length) && length != 0);
-  const RangeCheck range = CheckRange(ctx, step, lengthOk);
-  if (range.status != kOk) return range.status;
-  const bool hex = EqualsIgnoreCase(format, "hex"), s = EqualsIgnoreCase(format, "s");
-  if (!bin && !hex && !s) return Fail(ctx, kUsage, "Format Error!");
+  if (step.Has("--record-length") && !ParseHex(step.Option("--record-length"), 2, length)) length = 0;
+  if (const int status = TakeRange(ctx, step, LengthFitsFormat(length, format)); status != kOk) return status;
+  if (!format) return Fail(ctx, kUsage, kObjectFormatError);
 
-  ctx.m.SaveFirst = range.first;
-  ctx.m.SaveLast = range.last;
   ctx.m.RecordLength = static_cast<std::int16_t>(length);
   const std::string& file = step.args[0];
   ProgressLine progress(ctx.err, "save " + file, ctx.progress);
@@ -68,38 +51,24 @@ int RunSave(CliContext& ctx, const Step& step) {
   options.replaceWhole = true;
   options.keepPartial = false;
   options.progress = [&progress](std::uint64_t done, std::uint64_t total) { progress(done, total); };
-  const SaveOutcome outcome = bin   ? SaveBinFile(ctx.m, ctx.platform, file, options)
-                              : hex ? SaveHexFile(ctx.m, ctx.platform, file, options)
-                                    : SaveSFile(ctx.m, ctx.platform, file, options);
+  const Outcome outcome = SaveObjectFile(ctx.m, *format, file, options);
   progress.Done();
-  if (outcome != SaveOutcome::Done) return Failed(ctx, outcome);
-  if (ctx.verbose) {
-    ctx.err << "save: " << file << ": " << AddressToText(range.first) << ":" << AddressToText(range.last)
-            << " as "
-            << (bin   ? "BIN"
-                : hex ? "HEX"
-                      : "S")
-            << '\n';
-  }
+  if (!outcome.IsDone()) return Written(ctx, outcome);
+  if (ctx.verbose)
+    ctx.err << "save: " << file << ": " << RangeText(ctx.m) << " as " << NameOf(*format) << '\n';
   return kOk;
 }
 
 int RunYsm(CliContext& ctx, const Step& step) {
-  const RangeCheck range = CheckRange(ctx, step, true);
-  if (range.status != kOk) return range.status;
+  if (const int status = TakeRange(ctx, step, true); status != kOk) return status;
   const std::string sum = step.Option("--sum");
-  if (!EqualsIgnoreCase(sum, "8-8") && !EqualsIgnoreCase(sum, "8-16") && !EqualsIgnoreCase(sum, "16-16"))
-    return Fail(ctx, kUsage, "YSM File Format Error!");
+  const std::optional<SumKind> kind = SumOption(sum);
+  if (!kind) return Fail(ctx, kUsage, kSumFormatError);
 
-  ctx.m.SaveFirst = range.first;
-  ctx.m.SaveLast = range.last;
   const std::string& file = step.args[0];
-  const SaveOutcome outcome = SaveYsmFile(ctx.m, ctx.platform, file, sum + "SUM");
-  if (outcome != SaveOutcome::Done) return Failed(ctx, outcome);
-  if (ctx.verbose) {
-    ctx.err << "ysm: " << file << ": " << sum << " sum of " << AddressToText(range.first) << ":"
-            << AddressToText(range.last) << '\n';
-  }
+  const Outcome outcome = SaveYsmFile(ctx.m, file, *kind);
+  if (!outcome.IsDone()) return Written(ctx, outcome);
+  if (ctx.verbose) ctx.err << "ysm: " << file << ": " << sum << " sum of " << RangeText(ctx.m) << '\n';
   return kOk;
 }
 

@@ -12,9 +12,11 @@ namespace kestrum::forms {
 
 namespace {
 
-QComboBox* MakeList(QWidget* parent, const char* name, QRect place, const std::vector<std::string>& items) {
+// A drop-down list of the names of E, none chosen.
+template <typename E>
+QComboBox* MakeList(QWidget* parent, const char* name, QRect place) {
   auto* combo = MakeChild<QComboBox>(parent, name, place);
-  for (const auto& item : items) combo->addItem(Q(item));
+  for (std::string_view item : NamesOf<E>()) combo->addItem(Q(std::string(item)));
   combo->setCurrentIndex(-1);
   return combo;
 }
@@ -37,11 +39,11 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   MakeLabel(frame1, "Label7", QStringLiteral("FileName"), 1395, 2445);
   Text5_ = MakeChild<QLineEdit>(frame1, "Text5", Twips(2310, 2400, 2970, 285));
   MakeLabel(frame1, "Label1", QStringLiteral("FileType"), 1455, 2835);
-  Combo1_ = MakeList(frame1, "Combo1", Twips(2310, 2790, 2970, 315), kFileTypes);
+  Combo1_ = MakeList<FileType>(frame1, "Combo1", Twips(2310, 2790, 2970, 315));
 
   auto* frame2 = MakeFrame(this, "Frame2", QStringLiteral("File Format"), Twips(6825, 120, 2910, 2385));
   MakeLabel(frame2, "Label10", QStringLiteral("Object FileFormat"), 105, 315);
-  Combo2_ = MakeList(frame2, "Combo2", Twips(1455, 285, 1035, 315), kObjectFormats);
+  Combo2_ = MakeList<ObjectFormat>(frame2, "Combo2", Twips(1455, 285, 1035, 315));
   MakeLabel(frame2, "Label9", QStringLiteral("FirstAddress"), 375, 720);
   Text7_ = MakeChild<QLineEdit>(frame2, "Text7", Twips(1455, 690, 1035, 285));
   MakeLabel(frame2, "Label8", QStringLiteral("LastAddress"), 405, 1095);
@@ -56,7 +58,7 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
     line->setStyleSheet(top == 1830 ? QStringLiteral("color: gray;") : QStringLiteral("color: white;"));
   }
   MakeLabel(frame2, "Label2", QStringLiteral("YSM File Format"), 165, 2025);
-  Combo3_ = MakeList(frame2, "Combo3", Twips(1455, 1965, 1110, 315), kSumFormats);
+  Combo3_ = MakeList<SumKind>(frame2, "Combo3", Twips(1455, 1965, 1110, 315));
 
   Command5_ = MakeChild<QPushButton>(this, "Command5", Twips(7485, 2610, 1500, 390), QStringLiteral("Save"));
   Command2_ =
@@ -87,7 +89,7 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
 
   // A stored drive or folder that is gone leaves its list as it was.
   SaveFields f = Fields();
-  const SavePlaces places = cmdsave_Click(f, ctx_.m, ctx_.store);
+  const SavePlaces places = kestrum::frmsave::cmdsave_Click(f, ctx_.m, ctx_.store);
   ShowFields(f);
   if (!places.drive.empty()) {
     Drive2_->SetDrive(Q(places.drive));
@@ -102,13 +104,13 @@ void frmsave::Drive2_Change(const QString& drive) {
 
 void frmsave::Combo1_Click() {
   SaveFields f = Fields();
-  kestrum::Combo1_Click(f);
+  kestrum::frmsave::Combo1_Click(f);
   ShowFields(f);
 }
 
 void frmsave::Combo2_Click() {
   SaveFields f = Fields();
-  kestrum::Combo2_Click(f);
+  kestrum::frmsave::Combo2_Click(f);
   ShowFields(f);
 }
 
@@ -151,7 +153,7 @@ void frmsave::Command5_Click() {
   SaveFields f = Fields();
   // The buttons show disabled while the save runs and its prompts are up.
   FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
-  const bool close = kestrum::Command5_Click(f, ctx_.m, platform, ctx_.store);
+  const bool close = kestrum::frmsave::Command5_Click(f, ctx_.m, platform, ctx_.store);
   ShowFields(f);
   if (close) accept();
 }

@@ -36,11 +36,10 @@ char* PutBase(char* out, unsigned upper) {
 
 }  // namespace
 
-SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileName,
-                        const WriteOptions& options) {
-  if (!RecordLengthFits(m, platform)) return SaveOutcome::RecordLengthError;
+Outcome SaveHexFile(Module1& m, const std::string& FileName, const WriteOptions& options) {
+  if (!RecordLengthFits(m)) return Outcome::Refuse(kRecordLengthOutside);
   OutputFile file = OutputFile::Create(FileName);
-  if (!file.ok()) return ReportFileFailure(m, platform, file);
+  if (!file.ok()) return FileFailure(file);
   TextOutput text(file);
 
   const Address length = m.RecordLength;
@@ -48,14 +47,14 @@ SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileN
   unsigned upper = static_cast<unsigned>(address >> 16);
   if (upper != 0) {
     char* room = text.Room(records::kMaxLine);
-    if (!room) return ReportFileFailure(m, platform, file);
+    if (!room) return FileFailure(file);
     text.Used(PutBase(room, upper));
   }
   RangeProgress progress(m, options);
   while (address <= m.SaveLast) {
     progress.At(address);
     char* out = text.Room(2 * records::kMaxLine);
-    if (!out) return ReportFileFailure(m, platform, file);
+    if (!out) return FileFailure(file);
     // A record never exceeds 255 bytes, so it passes at most one boundary.
     if (static_cast<unsigned>(address >> 16) == upper + 1) {
       ++upper;
@@ -74,9 +73,8 @@ SaveOutcome SaveHexFile(Module1& m, Platform& platform, const std::string& FileN
     text.Used(records::PutLineEnd(out));
     address += length;
   }
-  if (!text.Put(kEndOfFile, sizeof kEndOfFile - 1) || !text.Flush())
-    return ReportFileFailure(m, platform, file);
-  return Finish(m, platform, file);
+  if (!text.Put(kEndOfFile, sizeof kEndOfFile - 1) || !text.Flush()) return FileFailure(file);
+  return Finish(file);
 }
 
 }  // namespace kestrum

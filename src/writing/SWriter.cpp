@@ -27,12 +27,10 @@ RecordType TypeFor(Address address) {
 
 }  // namespace
 
-SaveOutcome SaveSFile(Module1& m, Platform& platform, const std::string& FileName,
-                      const WriteOptions& options) {
-  m.FileError = 0;
-  if (!RecordLengthFits(m, platform)) return SaveOutcome::RecordLengthError;
+Outcome SaveSFile(Module1& m, const std::string& FileName, const WriteOptions& options) {
+  if (!RecordLengthFits(m)) return Outcome::Refuse(kRecordLengthOutside);
   OutputFile file = OutputFile::Create(FileName);
-  if (!file.ok()) return ReportFileFailure(m, platform, file);
+  if (!file.ok()) return FileFailure(file);
   TextOutput text(file);
 
   const Address length = m.RecordLength;
@@ -44,14 +42,11 @@ SaveOutcome SaveSFile(Module1& m, Platform& platform, const std::string& FileNam
         static_cast<unsigned>(address + length - 1 <= m.SaveLast ? length : m.SaveLast - address + 1);
     const unsigned count = n + static_cast<unsigned>(type.addressBytes) + 1;
     if (count > kMaxCount) {
-      m.FileError = -1;
-      platform.MsgBox(kRecordLengthError, vbOKOnly);
-      if (options.keepPartial && (!text.Flush() || !file.Commit()))
-        return ReportFileFailure(m, platform, file);
-      return SaveOutcome::RecordLengthError;
+      if (options.keepPartial && (!text.Flush() || !file.Commit())) return FileFailure(file);
+      return Outcome::Refuse(kRecordLengthError);
     }
     char* out = text.Room(records::kMaxLine);
-    if (!out) return ReportFileFailure(m, platform, file);
+    if (!out) return FileFailure(file);
     *out++ = 'S';
     *out++ = type.digit;
     out = records::PutByte(out, count);
@@ -65,8 +60,8 @@ SaveOutcome SaveSFile(Module1& m, Platform& platform, const std::string& FileNam
     out = records::PutByte(out, 255 - (sum & 0xFF));
     text.Used(records::PutLineEnd(out));
   }
-  if (!text.Put(kClosing, sizeof kClosing - 1) || !text.Flush()) return ReportFileFailure(m, platform, file);
-  return Finish(m, platform, file);
+  if (!text.Put(kClosing, sizeof kClosing - 1) || !text.Flush()) return FileFailure(file);
+  return Finish(file);
 }
 
 }  // namespace kestrum

@@ -1,23 +1,18 @@
 #pragma once
-// How every writer ends: a file failure is shown with the file's name and
-// the reason, and leaves FileError at -1.
+// How every writer ends: a file failure names the file and the reason.
 #include "image/Module1.h"
-#include "image/Platform.h"
+#include "image/Outcome.h"
 #include "writing/OutputFile.h"
 #include "writing/Writers.h"
 
 namespace kestrum {
 
-inline SaveOutcome ReportFileFailure(Module1& m, Platform& platform, const OutputFile& file) {
-  m.FileError = -1;
-  platform.MsgBox(file.failure(), vbOKOnly);
-  return SaveOutcome::FileFailure;
-}
+inline Outcome FileFailure(const OutputFile& file) { return Outcome::Fail(file.failure(), file.path()); }
 
-// Gives the file its name; reports it if it could not be written.
-inline SaveOutcome Finish(Module1& m, Platform& platform, OutputFile& file) {
-  if (!file.Commit()) return ReportFileFailure(m, platform, file);
-  return SaveOutcome::Done;
+// Gives the file its name; a failure if it could not be written.
+inline Outcome Finish(OutputFile& file) {
+  if (!file.Commit()) return FileFailure(file);
+  return Outcome::Done();
 }
 
 // Tells a writer's caller how far through the range it has come, once a
@@ -46,11 +41,7 @@ class RangeProgress {
 
 // The record writers' guard against a length the save flow should have
 // refused: a length of 0 would never end.
-inline bool RecordLengthFits(Module1& m, Platform& platform) {
-  if (m.RecordLength >= 1 && m.RecordLength <= 255) return true;
-  m.FileError = -1;
-  platform.MsgBox("RecordLength Error!", vbOKOnly);
-  return false;
-}
+inline bool RecordLengthFits(const Module1& m) { return m.RecordLength >= 1 && m.RecordLength <= 255; }
+inline constexpr const char* kRecordLengthOutside = "RecordLength Error!";
 
 }  // namespace kestrum

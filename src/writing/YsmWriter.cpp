@@ -40,25 +40,25 @@ std::string SumLine(int sum, int width) {
 
 }  // namespace
 
-SaveOutcome SaveYsmFile(Module1& m, Platform& platform, const std::string& FileName,
-                        const std::string& sumFormat) {
+Outcome SaveYsmFile(Module1& m, const std::string& FileName, SumKind sum) {
   OutputFile file = OutputFile::Create(FileName);
-  if (!file.ok()) return ReportFileFailure(m, platform, file);
+  if (!file.ok()) return FileFailure(file);
+  const Sums sums = SumRange(m, m.SaveFirst, m.SaveLast);
   std::string content;
-  const bool known = EqualsIgnoreCase(sumFormat, "8-8SUM") || EqualsIgnoreCase(sumFormat, "8-16SUM") ||
-                     EqualsIgnoreCase(sumFormat, "16-16SUM");
-  if (known) {
-    const Sums sums = SumRange(m, m.SaveFirst, m.SaveLast);
-    if (EqualsIgnoreCase(sumFormat, "8-8SUM"))
+  switch (sum) {
+    case SumKind::Sum8_8:
       content = SumLine(sums.sum8_8, 1);
-    else if (EqualsIgnoreCase(sumFormat, "8-16SUM"))
+      break;
+    case SumKind::Sum8_16:
       content = SumLine(sums.sum8_16, 2);
-    else
+      break;
+    case SumKind::Sum16_16:
       content = SumLine(sums.sum16_16, 2);
-    content += kFixedLines;
+      break;
   }
-  if (!file.Write(content.data(), content.size())) return ReportFileFailure(m, platform, file);
-  return Finish(m, platform, file);
+  content += kFixedLines;
+  if (!file.Write(content.data(), content.size())) return FileFailure(file);
+  return Finish(file);
 }
 
 }  // namespace kestrum

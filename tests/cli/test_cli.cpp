@@ -249,12 +249,9 @@ TEST(Cli, SaveAndYsmWriteTheWindowWritersBytes) {
     m.SaveFirst = c.first;
     m.SaveLast = c.last;
     m.RecordLength = static_cast<std::int16_t>(c.length);
-    test::ScriptedPlatform platform;
-    const SaveOutcome outcome = ysm                 ? SaveYsmFile(m, platform, coreFile, c.format + "SUM")
-                                : c.format == "bin" ? SaveBinFile(m, platform, coreFile)
-                                : c.format == "hex" ? SaveHexFile(m, platform, coreFile)
-                                                    : SaveSFile(m, platform, coreFile);
-    EXPECT_TRUE(outcome == SaveOutcome::Done && ReadFile(dir / "cli") == ReadFile(coreFile))
+    const Outcome outcome = ysm ? SaveYsmFile(m, coreFile, *FromName<SumKind>(c.format + "SUM"))
+                                : SaveObjectFile(m, *FromName<ObjectFormat>(c.format), coreFile);
+    EXPECT_TRUE(outcome.IsDone() && ReadFile(dir / "cli") == ReadFile(coreFile))
         << "the command line wrote other bytes than the window";
   }
 }
