@@ -7,18 +7,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "image/Platform.h"
 #include "reading/LoadObjectFile.h"
 
 namespace {
 
 using kestrum::Module1;
-
-class QuietPlatform : public kestrum::Platform {
- public:
-  int MsgBox(const std::string&, int, const std::string&) override { return kestrum::vbOK; }
-  void SetMousePointer(int) override {}
-};
 
 std::string Make(int kind, std::size_t size) {
   std::string text;
@@ -44,10 +37,8 @@ void BM_Hostile(benchmark::State& state) {
   static const char* const kNames[] = {"long.s", "lf.hex", "outside.hex"};
   Module1 m;
   if (kestrum::SizeBuffer(m, 0, 0xFFFF) != kestrum::SizeResult::Ok) std::abort();
-  QuietPlatform platform;
   for (auto _ : state) {
-    m.FileError = 0;
-    const auto report = kestrum::LoadObjectBytes(m, platform, 0, 0xFFFF, kNames[kind], text);
+    const auto report = kestrum::LoadObjectBytes(m, 0, 0xFFFF, kNames[kind], text);
     benchmark::DoNotOptimize(report);
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *

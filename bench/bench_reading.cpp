@@ -12,7 +12,6 @@
 #include <random>
 #include <string>
 
-#include "image/Platform.h"
 #include "reading/LoadObjectFile.h"
 
 namespace {
@@ -23,15 +22,6 @@ using kestrum::Module1;
 
 constexpr Address kImageBytes = Address{64} << 20;
 constexpr int kRecordBytes = 16;
-
-class QuietPlatform : public kestrum::Platform {
- public:
-  int MsgBox(const std::string& text, int, const std::string&) override {
-    std::fprintf(stderr, "load failed: %s\n", text.c_str());
-    std::abort();
-  }
-  void SetMousePointer(int) override {}
-};
 
 const char kHex[] = "0123456789ABCDEF";
 
@@ -151,10 +141,9 @@ void LoadFromDisk(benchmark::State& state, const char* name, const std::string& 
                   kestrum::ReadingMode mode = kestrum::ReadingMode::Window) {
   Files& files = TheFiles();
   Module1& m = Image();
-  QuietPlatform platform;
   m.LoadFileName = (files.dir / name).string();
   for (auto _ : state) {
-    kestrum::LoadObjectFile(m, platform, m.BufFirst, m.BufLast, name, ReadIn(mode));
+    if (!kestrum::LoadObjectFile(m, m.BufFirst, m.BufLast, name, ReadIn(mode)).Loaded()) std::abort();
     benchmark::ClobberMemory();
   }
   Check(m);
@@ -165,9 +154,8 @@ void LoadFromDisk(benchmark::State& state, const char* name, const std::string& 
 void LoadFromMemory(benchmark::State& state, const char* name, const std::string& bytes,
                     kestrum::ReadingMode mode = kestrum::ReadingMode::Window) {
   Module1& m = Image();
-  QuietPlatform platform;
   for (auto _ : state) {
-    kestrum::LoadObjectBytes(m, platform, m.BufFirst, m.BufLast, name, bytes, ReadIn(mode));
+    if (!kestrum::LoadObjectBytes(m, m.BufFirst, m.BufLast, name, bytes, ReadIn(mode)).Loaded()) std::abort();
     benchmark::ClobberMemory();
   }
   Check(m);

@@ -137,7 +137,7 @@ void CheckLoadButton(const std::string& text) {
   RecordingPlatform platform;
   MemorySettings store;
   const LoadFields typed = f;
-  Check(!Command1_Click(f, m, platform, store), "a missing file never closes the dialog");
+  Check(!frmload::Command1_Click(f, m, platform, store), "a missing file never closes the dialog");
 
   std::string want;
   Address offset = 0;

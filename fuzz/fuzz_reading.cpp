@@ -30,26 +30,12 @@
 
 #include "FuzzCheck.h"
 #include "image/Address.h"
-#include "image/Platform.h"
 #include "reading/LineReader.h"
 #include "reading/LoadObjectFile.h"
 
 using namespace kestrum;
 
 namespace {
-
-class CountingPlatform : public Platform {
- public:
-  int MsgBox(const std::string& text, int, const std::string&) override {
-    ++messages;
-    last = text;
-    return vbOK;
-  }
-  void SetMousePointer(int p) override { pointer = p; }
-  int messages = 0;
-  int pointer = vbHourglass;  // as the dialog leaves it during a load
-  std::string last;
-};
 
 // ---- The model: the rules as plainly as they can be written ----
 
@@ -331,33 +317,29 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const ModelOutcome want = ModelLoad(model, name, file, tolerant);
 
   Reset(m);
-  CountingPlatform platform;
-  const LoadReport got = LoadObjectBytes(m, platform, loadFirst, loadLast, name, file, options);
+  const LoadReport got = LoadObjectBytes(m, loadFirst, loadLast, name, file, options);
   const bool failed = want.status != Status::Ok;
   Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0, "the model's image");
   Check(got.Loaded() == !failed, "the model's outcome");
-  Check(m.FileError == (failed ? -1 : 0), "FileError 0 or -1 by the outcome");
-  Check(platform.messages == (failed ? 1 : 0), "one message for a failed load, none else");
+  Check(m.FileError == 0, "FileError left to the dialog");
   if (failed) {
-    Check(got.outcome == LoadReport::Outcome::RecordError, "a record error");
-    Check(got.line == want.line, "the model's failing line");
-    Check(platform.last == (want.status == Status::Format ? "Format Error" : "SUM Error"),
+    Check(got.outcome.ending == Ending::Failed, "a record error");
+    Check(got.outcome.line == want.line, "the model's failing line");
+    Check(got.outcome.words == (want.status == Status::Format ? "Format Error" : "SUM Error"),
           "the model's message");
-    Check(platform.pointer == vbDefault, "the pointer back to default");
   }
   if (!file.empty()) Check(got.format == want.format, "the model's format");
 
   // The exact reader alone, without the quick road through whole records.
   {
     Reset(m);
-    CountingPlatform exactPlatform;
     LoadOptions exactOnly = options;
     exactOnly.quick = false;
-    const LoadReport exact = LoadObjectBytes(m, exactPlatform, loadFirst, loadLast, name, file, exactOnly);
+    const LoadReport exact = LoadObjectBytes(m, loadFirst, loadLast, name, file, exactOnly);
     Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0,
           "the image without the quick road");
-    Check(exact.outcome == got.outcome && exact.line == got.line && exact.message == got.message &&
-              exact.lines == got.lines && exact.dataRecords == got.dataRecords && exact.stored == got.stored,
+    Check(exact.outcome == got.outcome && exact.lines == got.lines && exact.dataRecords == got.dataRecords &&
+              exact.stored == got.stored,
           "the same outcome without the quick road");
   }
 
@@ -368,10 +350,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
           "the scratch file is written");
     Reset(m);
     m.LoadFileName = ScratchFile();
-    CountingPlatform diskPlatform;
-    const LoadReport disk = LoadObjectFile(m, diskPlatform, loadFirst, loadLast, name, options);
+    const LoadReport disk = LoadObjectFile(m, loadFirst, loadLast, name, options);
     Check(std::memcmp(m.Buffer.data(), expected.data(), expected.size()) == 0, "the same image from disk");
-    Check(disk.outcome == got.outcome && disk.line == got.line && disk.message == got.message,
+    Check(disk.outcome.words == got.outcome.words && disk.outcome.line == got.outcome.line,
           "the same outcome from disk");
   }
 

@@ -164,19 +164,18 @@ std::string LineEndsText(const LineEndCount& ends) {
 bool Survey(CliContext& ctx, const std::string& file) {
   Module1 scratch;
   scratch.LoadFileName = file;
-  CapturePlatform quiet;
   FileSurvey survey;
   LoadReport report;
   {
     ProgressLine progress(ctx.err, "info " + file, ctx.progress);
     LoadOptions options = ReadingOptions(ctx, progress);
     options.observer = &survey;
-    report = LoadObjectFile(scratch, quiet, 0, Address{1} << 40,
-                            std::filesystem::path(file).filename().string(), options);
+    report = LoadObjectFile(scratch, 0, Address{1} << 40, std::filesystem::path(file).filename().string(),
+                            options);
   }
-  if (report.outcome == LoadReport::Outcome::FileFailure) {
+  if (!report.Loaded() && report.outcome.line == 0) {
     ctx.out.flush();
-    return Fail(ctx, kFailed, report.message) == kOk;
+    return Fail(ctx, kFailed, report.outcome.words) == kOk;
   }
   if (report.length == 0) {
     ctx.out << file << ": empty\n";
@@ -189,7 +188,7 @@ bool Survey(CliContext& ctx, const std::string& file) {
   survey.Print(ctx.out);
   if (report.Loaded()) return true;
   ctx.out.flush();
-  ctx.err << file << ':' << report.line << ": " << report.message << '\n';
+  ctx.err << file << ':' << report.outcome.line << ": " << report.outcome.words << '\n';
   return false;
 }
 

@@ -1,14 +1,14 @@
-// Steps that read object files into the image. The load fills the fields of
-// the File Load dialog and presses Load, so the range and offset are judged
-// with the dialog's words; it reads in the call's reading mode, and warns of
-// what a pipeline would otherwise miss: a file that stored nothing, and under
-// --strict a lone LF.
+// Steps that read object files into the image. The range and offset are
+// judged as the File Load dialog judges them, with its words; the file is
+// read in the call's reading mode, with a warning of what a pipeline would
+// otherwise miss: a file that stored nothing, and under --strict a lone LF.
 #include <filesystem>
 #include <ostream>
 
+#include "bufferops/ClearBuffer.h"
 #include "cli/Cli.h"
 #include "image/Files.h"
-#include "image/Settings.h"
+#include "image/Paths.h"
 #include "reading/ByteSource.h"
 #include "reading/LineReader.h"
 #include "reading/LoadDialog.h"
@@ -45,66 +45,65 @@ std::string WhatWasRead(const LoadReport& report, const std::string& offset) {
   return what;
 }
 
+// The name the file is read by, as the dialog joins its folder and name,
+// and the name its extension comes from. A name that ends in a separator
+// names a folder: the load says so.
+void NameFile(const std::string& file, std::string& path, std::string& bareName) {
+  const std::filesystem::path given = PathOf(file);
+  bareName = NameOf(given.filename());
+  path = bareName.empty() ? file : JoinPath(NameOf(given.parent_path()), bareName);
+  if (bareName.empty()) bareName = file;
+}
+
+// The range and offset of the step, judged with the dialog's words.
+int ReadRequest(CliContext& ctx, const Step& step, Address& first, Address& last, Address& offset) {
+  std::string why;
+  if (step.Has("--range") && !ParseRange(step.Option("--range"), first, last, why))
+    return Fail(ctx, kUsage, "--range: " + why);
+  if (step.Has("--offset")) {
+    const std::string text = step.Option("--offset");
+    if (!OffsetTyped(text)) return Fail(ctx, kUsage, "--offset: '" + text + "' is no offset [+|-]HEX");
+    if (const Outcome judged = ReadOffset(text, offset); !judged.IsDone())
+      return Fail(ctx, kUsage, judged.words);
+  }
+  const Outcome range = CheckLoadRange(ctx.m, first, last);
+  return range.IsDone() ? kOk : Fail(ctx, kUsage, range.words);
+}
+
 int RunLoad(CliContext& ctx, const Step& step) {
   const std::string& file = step.args[0];
-  const std::filesystem::path path = PathOf(file);
-  LoadFields f;
-  f.File1 = NameOf(path.filename());
-  f.Dir1 = f.File1.empty() ? file : NameOf(path.parent_path());
-  // A name that ends in a separator names a folder: let the load say so.
-  f.Text1 = f.File1.empty() ? file : f.File1;
-  f.Text4 = ctx.m.frmsumtool.txtbuffaddr;
-  f.Text3 = ctx.m.frmsumtool.txtbufladdr;
-  if (step.Has("--range")) {
-    const std::string range = step.Option("--range");
-    Address first = 0, last = 0;
-    std::string why;
-    if (!ParseRange(range, first, last, why)) return Fail(ctx, kUsage, "--range: " + why);
-    const auto colon = range.find(':');
-    f.Text4 = range.substr(0, colon);
-    f.Text3 = range.substr(colon + 1);
-  }
-  if (step.Has("--offset")) {
-    const std::string offset = step.Option("--offset");
-    if (!OffsetTyped(offset)) return Fail(ctx, kUsage, "--offset: '" + offset + "' is no offset [+|-]HEX");
-    f.Check1 = f.Text2Visible = true;
-    f.Text2 = offset;
-  }
-
-  // The command line keeps nothing between runs: the dialog's settings go
-  // to a store that is dropped.
-  MemorySettings scratch;
+  Address first = ctx.m.BufFirst, last = ctx.m.BufLast, offset = 0;
+  if (const int status = ReadRequest(ctx, step, first, last, offset); status != kOk) return status;
+  std::string bareName;
+  NameFile(file, ctx.m.LoadFileName, bareName);
+  ctx.m.LoadOffset = offset;
   LoadReport report;
   {
     ProgressLine progress(ctx.err, "load " + file, ctx.progress);
-    Command1_Click(f, ctx.m, ctx.platform, scratch, &report, ReadingOptions(ctx, progress));
+    report = LoadObjectFile(ctx.m, first, last, bareName, ReadingOptions(ctx, progress));
   }
-  const std::string range = f.Text4 + ':' + f.Text3;
-  if (report.outcome != LoadReport::Outcome::Refused && report.outcome != LoadReport::Outcome::FileFailure &&
-      report.format != ObjectFormat::BIN && ctx.mode == ReadingMode::Window &&
-      HoldsLoneLf(ctx.m.LoadFileName)) {
+  // A load empties the dump whatever its outcome.
+  ResetDump(ctx.m.frmsumtool);
+  const std::string range = AddressToText(first) + ':' + AddressToText(last);
+  const bool recordError = report.outcome.line != 0;
+  if ((report.Loaded() || recordError) && report.format != ObjectFormat::BIN &&
+      ctx.mode == ReadingMode::Window && HoldsLoneLf(ctx.m.LoadFileName)) {
     ctx.err << "kestrum-cli: warning: " << file << ": a lone LF ends no line under --strict\n";
   }
-  switch (report.outcome) {
-    case LoadReport::Outcome::Loaded:
-      if (ctx.verbose) {
-        ctx.err << "load: " << file << " as " << NameOf(report.format) << " by " << BasisText(report.basis)
-                << " into " << range << ", " << report.stored << " bytes stored\n";
-      }
-      if (report.length > 0 && report.stored == 0) {
-        ctx.err << "kestrum-cli: warning: " << file << " stored no byte in " << range << ": "
-                << WhatWasRead(report, step.Option("--offset", "0")) << '\n';
-      }
-      return kOk;
-    case LoadReport::Outcome::Refused:
-      return Fail(ctx, kUsage, report.message);
-    case LoadReport::Outcome::RecordError:
-      ctx.err << file << ':' << report.line << ": " << report.message << '\n';
-      return kFailed;
-    case LoadReport::Outcome::FileFailure:
-      break;
+  if (recordError) {
+    ctx.err << file << ':' << report.outcome.line << ": " << report.outcome.words << '\n';
+    return kFailed;
   }
-  return Fail(ctx, kFailed, report.message);
+  if (!report.Loaded()) return Fail(ctx, kFailed, report.outcome.words);
+  if (ctx.verbose) {
+    ctx.err << "load: " << file << " as " << NameOf(report.format) << " by " << BasisText(report.basis)
+            << " into " << range << ", " << report.stored << " bytes stored\n";
+  }
+  if (report.length > 0 && report.stored == 0) {
+    ctx.err << "kestrum-cli: warning: " << file << " stored no byte in " << range << ": "
+            << WhatWasRead(report, step.Option("--offset", "0")) << '\n';
+  }
+  return kOk;
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ bool LoadAndDump(Module1& m, Platform& platform, const QString& file) {
   const QFileInfo info(file);
   m.LoadFileName = S(info.absoluteFilePath());
   m.LoadOffset = 0;
-  const LoadReport report = LoadObjectFile(m, platform, m.BufFirst, m.BufLast, S(info.fileName()));
+  const LoadReport report = LoadObjectFile(m, m.BufFirst, m.BufLast, S(info.fileName()));
   m.FileError = 0;
   if (!report.Loaded()) return false;
   m.frmsumtool.Text1 = S(info.fileName());

@@ -54,7 +54,7 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
 
   // A stored drive or folder that is gone leaves its list as it was.
   LoadFields f = Fields();
-  cmdload_Click(f, ctx_.store);
+  kestrum::frmload::cmdload_Click(f, ctx_.store);
   Text4_->setText(Q(f.Text4));
   Text3_->setText(Q(f.Text3));
   if (Q(f.Drive1) != Drive1_->Drive()) Drive1_->SetDrive(Q(f.Drive1));
@@ -105,7 +105,7 @@ void frmload::ShowFields(const LoadFields& f) {
 void frmload::Command1_Click() {
   LoadFields f = Fields();
   FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
-  const bool close = kestrum::Command1_Click(f, ctx_.m, platform, ctx_.store);
+  const bool close = kestrum::frmload::Command1_Click(f, ctx_.m, platform, ctx_.store);
   ShowFields(f);
   if (close) accept();
 }

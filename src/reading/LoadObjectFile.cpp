@@ -14,17 +14,9 @@ namespace kestrum {
 
 namespace {
 
-LoadReport ErrorStop(Module1& m, Platform& platform, LoadReport report) {
-  platform.SetMousePointer(vbDefault);
-  platform.MsgBox(report.message);
-  m.FileError = -1;
+LoadReport FileFailure(const Module1& m, LoadReport report, const std::string& reason) {
+  report.outcome = Outcome::Fail("Cannot read " + m.LoadFileName + ": " + reason, m.LoadFileName);
   return report;
-}
-
-LoadReport FileFailure(Module1& m, Platform& platform, LoadReport report, const std::string& reason) {
-  report.outcome = LoadReport::Outcome::FileFailure;
-  report.message = "Cannot read " + m.LoadFileName + ": " + reason;
-  return ErrorStop(m, platform, std::move(report));
 }
 
 struct SLines {
@@ -37,8 +29,8 @@ struct SLines {
 };
 
 template <typename Reader>
-LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& source, LoadReport report,
-                     const LoadOptions& options, Address LoadFirst, Address LoadLast) {
+LoadReport ReadLines(RecordTarget& target, ByteSource& source, LoadReport report, const LoadOptions& options,
+                     Address LoadFirst, Address LoadLast) {
   const ReadingMode mode = options.mode;
   Reader reader;
   // A small file needs no block of full size; every line of it still fits.
@@ -67,18 +59,15 @@ LoadReport ReadLines(RecordTarget& target, Platform& platform, ByteSource& sourc
   report.dataRecords = target.dataRecords;
   report.stored = target.stored;
   if (status != RecordStatus::Ok) {
-    report.outcome = LoadReport::Outcome::RecordError;
-    report.line = lines.LineNumber();
-    report.message = RecordMessage(status);
-    return ErrorStop(target.m, platform, std::move(report));
+    report.outcome = Outcome::Fail(RecordMessage(status), target.m.LoadFileName, lines.LineNumber());
+    return report;
   }
-  if (source.Failed()) return FileFailure(target.m, platform, std::move(report), source.Failure());
+  if (source.Failed()) return FileFailure(target.m, std::move(report), source.Failure());
   return report;
 }
 
-LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                    const std::string& bareName, ByteSource& file, std::uint64_t length,
-                    const LoadOptions& options) {
+LoadReport LoadFrom(Module1& m, Address LoadFirst, Address LoadLast, const std::string& bareName,
+                    ByteSource& file, std::uint64_t length, const LoadOptions& options) {
   LoadReport report;
   report.length = length;
   ProgressSource watched(file, length, options.progress);
@@ -89,7 +78,7 @@ LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address L
     char head[kFormatProbeBytes];
     const std::size_t got =
         source.Read(reinterpret_cast<std::uint8_t*>(head), std::min<std::uint64_t>(length, sizeof head));
-    if (source.Failed() || !source.Rewind()) return FileFailure(m, platform, report, source.Failure());
+    if (source.Failed() || !source.Rewind()) return FileFailure(m, report, source.Failure());
     decision = DecideFormat(extension, std::string_view(head, got), options.mode);
   }
   report.format = decision.format;
@@ -107,16 +96,16 @@ LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address L
   }
   switch (decision.format) {
     case ObjectFormat::HEX:
-      return ReadLines<HexReader>(target, platform, source, report, options, LoadFirst, LoadLast);
+      return ReadLines<HexReader>(target, source, report, options, LoadFirst, LoadLast);
     case ObjectFormat::S:
-      return ReadLines<SLines>(target, platform, source, report, options, LoadFirst, LoadLast);
+      return ReadLines<SLines>(target, source, report, options, LoadFirst, LoadLast);
     case ObjectFormat::BIN:
       break;
   }
   const bool read = ReadBin(target, source, length, LoadFirst, LoadLast);
   report.stored = target.stored;
   if (!read) {
-    return FileFailure(m, platform, report,
+    return FileFailure(m, report,
                        source.Failed() ? source.Failure() : "the file became shorter while it was read");
   }
   return report;
@@ -124,22 +113,22 @@ LoadReport LoadFrom(Module1& m, Platform& platform, Address LoadFirst, Address L
 
 }  // namespace
 
-LoadReport LoadObjectFile(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                          const std::string& bareName, const LoadOptions& options) {
+LoadReport LoadObjectFile(Module1& m, Address LoadFirst, Address LoadLast, const std::string& bareName,
+                          const LoadOptions& options) {
   std::uint64_t length = 0;
   std::string reason;
-  if (!FileLength(m.LoadFileName, length, reason)) return FileFailure(m, platform, {}, reason);
+  if (!FileLength(m.LoadFileName, length, reason)) return FileFailure(m, {}, reason);
   if (length == 0) return {};
   FileSource file;
-  if (!file.Open(m.LoadFileName)) return FileFailure(m, platform, {}, file.Failure());
-  return LoadFrom(m, platform, LoadFirst, LoadLast, bareName, file, length, options);
+  if (!file.Open(m.LoadFileName)) return FileFailure(m, {}, file.Failure());
+  return LoadFrom(m, LoadFirst, LoadLast, bareName, file, length, options);
 }
 
-LoadReport LoadObjectBytes(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                           const std::string& bareName, std::string_view bytes, const LoadOptions& options) {
+LoadReport LoadObjectBytes(Module1& m, Address LoadFirst, Address LoadLast, const std::string& bareName,
+                           std::string_view bytes, const LoadOptions& options) {
   if (bytes.empty()) return {};
   MemorySource memory(bytes);
-  return LoadFrom(m, platform, LoadFirst, LoadLast, bareName, memory, bytes.size(), options);
+  return LoadFrom(m, LoadFirst, LoadLast, bareName, memory, bytes.size(), options);
 }
 
 }  // namespace kestrum

@@ -8,31 +8,27 @@
 #include <string_view>
 
 #include "image/Module1.h"
-#include "image/Platform.h"
+#include "image/Outcome.h"
 #include "reading/FileFormat.h"
 #include "reading/RecordText.h"
 
 namespace kestrum {
 
-// How a load ended, for callers that tell more than the window does.
+// How a load ended, and what it read.
 struct LoadReport {
-  enum class Outcome {
-    Loaded,       // read to the end of the file (an empty file too)
-    Refused,      // a field of the dialog was refused; nothing was read
-    RecordError,  // a bad record stopped the load: "Format Error" or "SUM Error"
-    FileFailure,  // the file could not be opened or read
-  };
-  Outcome outcome = Outcome::Loaded;
+  // Done when read to the end of the file (an empty file too); Failed, with
+  // the words the window shows, when a bad record stopped the load ("Format
+  // Error" or "SUM Error", with its line) or the file could not be opened or
+  // read (line 0).
+  Outcome outcome;
   ObjectFormat format = ObjectFormat::BIN;
   FormatBasis basis = FormatBasis::Extension;
-  std::uint64_t line = 0;         // the failing record's line, counted from 1
-  std::string message;            // the words the message box showed
   std::uint64_t length = 0;       // of the file, in bytes
   std::uint64_t lines = 0;        // lines read, by the reading mode's count
   std::uint64_t dataRecords = 0;  // data records read, stored or passed over
   std::uint64_t stored = 0;       // bytes written into the image
 
-  bool Loaded() const { return outcome == Outcome::Loaded; }
+  bool Loaded() const { return outcome.IsDone(); }
 };
 
 // How a caller wants a file read. The window's dialog takes the defaults.
@@ -48,17 +44,15 @@ struct LoadOptions {
 
 // Reads the file m.LoadFileName with the addresses shifted by m.LoadOffset,
 // storing only into LoadFirst..LoadLast. bareName, the file's name without
-// its folder, gives the extension. The first error stops the load: the
-// pointer goes back to default, the message is shown, FileError becomes -1
-// and the file is closed; what was stored stays. A file that cannot be
-// opened or read stops the same way, the message naming the file and the
-// system's reason.
-LoadReport LoadObjectFile(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                          const std::string& bareName, const LoadOptions& options = {});
+// its folder, gives the extension. The first error stops the load and is
+// reported, not shown; what was stored stays. A file that cannot be opened
+// or read stops the same way, the words naming the file and the system's
+// reason.
+LoadReport LoadObjectFile(Module1& m, Address LoadFirst, Address LoadLast, const std::string& bareName,
+                          const LoadOptions& options = {});
 
-// The same load over bytes in memory; messages name m.LoadFileName.
-LoadReport LoadObjectBytes(Module1& m, Platform& platform, Address LoadFirst, Address LoadLast,
-                           const std::string& bareName, std::string_view bytes,
-                           const LoadOptions& options = {});
+// The same load over bytes in memory; the words name m.LoadFileName.
+LoadReport LoadObjectBytes(Module1& m, Address LoadFirst, Address LoadLast, const std::string& bareName,
+                           std::string_view bytes, const LoadOptions& options = {});
 
 }  // namespace kestrum

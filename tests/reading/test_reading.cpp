@@ -199,18 +199,15 @@ TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
     SCOPED_TRACE(std::string(c.name) + ": " + c.what);
     Module1 m = MakeImage(0, kLast);
     std::fill_n(m.Buffer.data(), kLast + 1, 0x5A);  // a load lays its bytes over what the image held
-    ScriptedPlatform platform;
     m.LoadOffset = c.offset;
-    const LoadReport report = LoadObjectBytes(m, platform, c.first, c.last, c.name, c.file);
+    const LoadReport report = LoadObjectBytes(m, c.first, c.last, c.name, c.file);
     std::vector<std::uint8_t> expected(kLast + 1, 0x5A);
     for (const auto& [at, bytes] : c.stored) std::copy(bytes.begin(), bytes.end(), expected.begin() + at);
     const auto wrong =
         std::mismatch(expected.begin(), expected.end(), m.Buffer.data()).first - expected.begin();
     EXPECT_EQ(wrong, kLast + 1) << "the first wrong byte is at " << std::hex << wrong;
-    const bool ok = *c.message == '\0';
-    EXPECT_EQ(platform.Texts(), ok ? std::vector<std::string>{} : std::vector<std::string>{c.message});
-    EXPECT_TRUE(m.FileError == (ok ? 0 : -1) && report.Loaded() == ok);
-    EXPECT_EQ(report.line, c.line);
+    EXPECT_EQ(report.outcome.words, c.message);
+    EXPECT_EQ(report.outcome.line, c.line);
   }
 }
 
@@ -261,14 +258,13 @@ TEST(LoadObjectBytes, LineEndsAndLayoutInBothModes) {
       SCOPED_TRACE(std::string(c.what) + (mode == ReadingMode::Tolerant ? ", tolerant" : ", window"));
       Module1 m = MakeImage(0, kLast);
       std::fill_n(m.Buffer.data(), kLast + 1, 0x5A);
-      ScriptedPlatform platform;
-      const LoadReport report = LoadObjectBytes(m, platform, 0, kLast, c.name, c.file, ReadIn(mode));
+      const LoadReport report = LoadObjectBytes(m, 0, kLast, c.name, c.file, ReadIn(mode));
       EXPECT_EQ(std::count_if(m.Buffer.data(), m.Buffer.data() + kLast + 1,
                               [](std::uint8_t b) { return b != 0x5A; }),
                 static_cast<std::ptrdiff_t>(want.changed));
       EXPECT_EQ(report.stored, want.changed);
-      EXPECT_EQ(report.message, want.message);
-      EXPECT_EQ(report.line, want.line);
+      EXPECT_EQ(report.outcome.words, want.message);
+      EXPECT_EQ(report.outcome.line, want.line);
     }
   }
 }
@@ -328,12 +324,10 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
     const RunResult made = RunProgram({"/bin/sh", "-c", c.command}, dir.path());
     ASSERT_EQ(made.status, 0) << made.err;
     Module1 m = MakeImage(0, kLast);
-    ScriptedPlatform platform;
     m.LoadFileName = (dir / c.out).string();
-    const LoadReport report = LoadObjectFile(m, platform, 0, kLast, c.out, ReadIn(c.mode));
-    EXPECT_EQ(platform.Texts(),
-              *c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
-    EXPECT_EQ(report.line, c.line);
+    const LoadReport report = LoadObjectFile(m, 0, kLast, c.out, ReadIn(c.mode));
+    EXPECT_EQ(report.outcome.words, c.message);
+    EXPECT_EQ(report.outcome.line, c.line);
     std::string expected(kLast + 1, '\xFF');
     if (c.bytesLoaded) expected.replace(c.base, c.size, binary);
     EXPECT_TRUE(std::string(reinterpret_cast<const char*>(m.Buffer.data()), expected.size()) == expected);
@@ -405,7 +399,7 @@ struct Dialog {
     m.frmsumtool.List1 = {"00000000  FF"};
     m.frmsumtool.cmdeditplusEnabled = m.frmsumtool.cmdeditminusEnabled = true;
   }
-  bool Load() { return Command1_Click(f, m, platform, store); }
+  bool Load() { return frmload::Command1_Click(f, m, platform, store); }
 };
 
 TEST(LoadDialog, RefusesTheFirstBadFieldOrTakesTheSignedOffset) {
@@ -489,11 +483,16 @@ TEST(FileFaults, LoadStopsAtAFileItCannotRead) {
     m.frmsumtool.Text1 = "before.bin", m.frmsumtool.List1 = {"a row"};
     ScriptedPlatform platform;
     MemorySettings store;
-    EXPECT_FALSE(Command1_Click(f, m, platform, store)) << "the dialog stays open";
+    EXPECT_FALSE(frmload::Command1_Click(f, m, platform, store)) << "the dialog stays open";
     EXPECT_EQ(platform.Texts(),
               std::vector<std::string>{"Cannot read " + JoinPath(f.Dir1, f.File1) + ": " + c.reason});
-    EXPECT_TRUE(m.FileError == 0 && platform.pointer == vbDefault && f.Command1Enabled && f.Command2Enabled);
-    EXPECT_TRUE(store.values.empty() && m.frmsumtool.Text1 == "before.bin" && m.frmsumtool.List1.empty());
+    EXPECT_EQ(m.FileError, 0);
+    EXPECT_EQ(platform.pointer, vbDefault);
+    EXPECT_TRUE(f.Command1Enabled);
+    EXPECT_TRUE(f.Command2Enabled);
+    EXPECT_TRUE(store.values.empty());
+    EXPECT_EQ(m.frmsumtool.Text1, "before.bin");
+    EXPECT_TRUE(m.frmsumtool.List1.empty());
     EXPECT_EQ(std::count(m.Buffer.data(), m.Buffer.data() + m.BufSize, 0xFF), m.BufSize)
         << "the image untouched";
   }

@@ -43,17 +43,24 @@ struct Range {
   Address first, last;
 };
 
-// An image of area with the save range and record length set; fill is a byte or one of the patterns above.
-Module1 Image(Range area, int fill, Range save, int recordLength) {
-  Module1 m = test::MakeImage(area.first, area.last);
-  if (fill >= 0) std::fill_n(m.Buffer.data(), m.BufSize, static_cast<std::uint8_t>(fill));
-  for (Address a = area.first; fill == kElevens && a <= area.last; ++a)
-    m.At(a) = static_cast<std::uint8_t>((a - area.first) * 0x11);
+// An image and the part of it a writer is to write; fill is a byte or one of the patterns above.
+struct Given {
+  Range area;
+  int fill;
+  Range save;
+  int length = 0x10;
+};
+
+Module1 Image(const Given& g) {
+  Module1 m = test::MakeImage(g.area.first, g.area.last);
+  if (g.fill >= 0) std::fill_n(m.Buffer.data(), m.BufSize, static_cast<std::uint8_t>(g.fill));
+  for (Address a = g.area.first; g.fill == kElevens && a <= g.area.last; ++a)
+    m.At(a) = static_cast<std::uint8_t>((a - g.area.first) * 0x11);
   const std::uint8_t sample[] = {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0};
-  for (Address i = 0; fill == kSumSample && i < 8; ++i) m.At(0x1000 + i) = sample[i];
-  m.SaveFirst = save.first;
-  m.SaveLast = save.last;
-  m.RecordLength = static_cast<std::int16_t>(recordLength);
+  for (Address i = 0; g.fill == kSumSample && i < 8; ++i) m.At(0x1000 + i) = sample[i];
+  m.SaveFirst = g.save.first;
+  m.SaveLast = g.save.last;
+  m.RecordLength = static_cast<std::int16_t>(g.length);
   return m;
 }
 
@@ -65,162 +72,101 @@ Outcome Write(Writer writer, Module1& m, const std::string& path) {
   return SaveObjectFile(m, std::get<ObjectFormat>(writer), path);
 }
 
-std::string Lines(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const auto& line : lines) text += line + "\r\n";
-  return text;
-}
-
 TEST(Writers, WrittenTextByteForByte) {
   const struct {
-    const char* name;
-    Range area;
-    int fill;
-    Range save;
-    int length = 0x10;
+    Given given;
     Writer writer;
-    std::vector<std::string> lines;  // a YSM file's two fixed lines left out
+    std::string text;  // a YSM file's two fixed lines left out
   } cases[] = {
-      {.name = "HEX 1: last record cut at BufLast",
-       .area = {0, 0xF},
-       .fill = kElevens,
-       .save = {3, 0xF},
-       .length = 8,
+      // HEX 1: the last record cut at BufLast.
+      {.given = {.area = {0, 0xF}, .fill = kElevens, .save = {3, 0xF}, .length = 8},
        .writer = HEX,
-       .lines = {":0800030033445566778899AA81", ":05000B00BBCCDDEEFF9F", ":00000001FF"}},
-      {.name = "HEX 2: no split at 64 K, last record whole past SaveLast",
-       .area = {0, 0x7FFFF},
-       .fill = 0xFF,
-       .save = {0xFFF8, 0x1000F},
+       .text = ":0800030033445566778899AA81\r\n:05000B00BBCCDDEEFF9F\r\n:00000001FF\r\n"},
+      // HEX 2: no split at 64 K, the last record whole past SaveLast.
+      {.given = {.area = {0, 0x7FFFF}, .fill = 0xFF, .save = {0xFFF8, 0x1000F}},
        .writer = HEX,
-       .lines = {":10FFF800FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF09", ":020000021000EC",
-                 ":10000800FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF8", ":00000001FF"}},
-      // HEX 3 also ends on a record's end: no empty record behind it.
-      {.name = "HEX 3: linear base first",
-       .area = {0x12340000, 0x1234FFFF},
-       .fill = 0xFF,
-       .save = {0x12340000, 0x12340007},
-       .length = 4,
+       .text = ":10FFF800FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF09\r\n:020000021000EC\r\n"
+               ":10000800FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF8\r\n:00000001FF\r\n"},
+      // HEX 3: a linear base first; ending on a record's end leaves no empty record behind it.
+      {.given =
+           {.area = {0x12340000, 0x1234FFFF}, .fill = 0xFF, .save = {0x12340000, 0x12340007}, .length = 4},
        .writer = HEX,
-       .lines = {":020000041234B4", ":04000000FFFFFFFF00", ":04000400FFFFFFFFFC", ":00000001FF"}},
-      {.name = "HEX one byte cut by BufLast",
-       .area = {0, 0x7},
-       .fill = 0xFF,
-       .save = {5, 5},
+       .text = ":020000041234B4\r\n:04000000FFFFFFFF00\r\n:04000400FFFFFFFFFC\r\n:00000001FF\r\n"},
+      // HEX: one byte, the record cut by BufLast.
+      {.given = {.area = {0, 0x7}, .fill = 0xFF, .save = {5, 5}},
        .writer = HEX,
-       .lines = {":03000500FFFFFFFB", ":00000001FF"}},
-      {.name = "HEX checksum 00",
-       .area = {0, 0xFF},
-       .fill = 0xFF,
-       .save = {0, 0},
-       .length = 1,
+       .text = ":03000500FFFFFFFB\r\n:00000001FF\r\n"},
+      // HEX: check sum 00.
+      {.given = {.area = {0, 0xFF}, .fill = 0xFF, .save = {0, 0}, .length = 1},
        .writer = HEX,
-       .lines = {":01000000FF00", ":00000001FF"}},
-      {.name = "HEX base FFFF",
-       .area = {0xFFFFFFF0, 0xFFFFFFFF},
-       .fill = 0xFF,
-       .save = {0xFFFFFFFF, 0xFFFFFFFF},
-       .length = 1,
+       .text = ":01000000FF00\r\n:00000001FF\r\n"},
+      // HEX: base FFFF.
+      {.given =
+           {.area = {0xFFFFFFF0, 0xFFFFFFFF}, .fill = 0xFF, .save = {0xFFFFFFFF, 0xFFFFFFFF}, .length = 1},
        .writer = HEX,
-       .lines = {":02000004FFFFFC", ":01FFFF00FF02", ":00000001FF"}},
-      {.name = "HEX segment bases give way to linear ones at 00100000",
-       .area = {0xF0000, 0x10000F},
-       .fill = 0xFF,
-       .save = {0xFFFF8, 0x100007},
-       .length = 8,
+       .text = ":02000004FFFFFC\r\n:01FFFF00FF02\r\n:00000001FF\r\n"},
+      // HEX: segment bases give way to linear ones at 00100000.
+      {.given = {.area = {0xF0000, 0x10000F}, .fill = 0xFF, .save = {0xFFFF8, 0x100007}, .length = 8},
        .writer = HEX,
-       .lines = {":02000002F0000C", ":08FFF800FFFFFFFFFFFFFFFF09", ":020000040010EA",
-                 ":08000000FFFFFFFFFFFFFFFF00", ":00000001FF"}},
-      {.name = "HEX a length that doesn't divide 65536 picks up at 0008",
-       .area = {0, 0x1FFFF},
-       .fill = 0xFF,
-       .save = {0xFFF0, 0x10014},
-       .length = 0xC,
+       .text = ":02000002F0000C\r\n:08FFF800FFFFFFFFFFFFFFFF09\r\n:020000040010EA\r\n"
+               ":08000000FFFFFFFFFFFFFFFF00\r\n:00000001FF\r\n"},
+      // HEX: a length that doesn't divide 65536 picks up at 0008.
+      {.given = {.area = {0, 0x1FFFF}, .fill = 0xFF, .save = {0xFFF0, 0x10014}, .length = 0xC},
        .writer = HEX,
-       .lines = {":0CFFF000FFFFFFFFFFFFFFFFFFFFFFFF11", ":0CFFFC00FFFFFFFFFFFFFFFFFFFFFFFF05",
-                 ":020000021000EC", ":0C000800FFFFFFFFFFFFFFFFFFFFFFFFF8",
-                 ":0C001400FFFFFFFFFFFFFFFFFFFFFFFFEC", ":00000001FF"}},
-      {.name = "S 1: last record cut at SaveLast",
-       .area = {0, 0xF},
-       .fill = kElevens,
-       .save = {3, 0xF},
-       .length = 8,
+       .text =
+           ":0CFFF000FFFFFFFFFFFFFFFFFFFFFFFF11\r\n:0CFFFC00FFFFFFFFFFFFFFFFFFFFFFFF05\r\n:020000021000EC\r\n"
+           ":0C000800FFFFFFFFFFFFFFFFFFFFFFFFF8\r\n:0C001400FFFFFFFFFFFFFFFFFFFFFFFFEC\r\n:00000001FF\r\n"},
+      // S 1: the last record cut at SaveLast.
+      {.given = {.area = {0, 0xF}, .fill = kElevens, .save = {3, 0xF}, .length = 8},
        .writer = S,
-       .lines = {"S10B000333445566778899AA7D", "S108000BBBCCDDEEFF9B", "S9030000FC"}},
-      {.name = "S 2: S1 runs past 0000FFFF, then S2",
-       .area = {0, 0x7FFFF},
-       .fill = 0xFF,
-       .save = {0xFFF8, 0x1000F},
+       .text = "S10B000333445566778899AA7D\r\nS108000BBBCCDDEEFF9B\r\nS9030000FC\r\n"},
+      // S 2: S1 runs past 0000FFFF, then S2.
+      {.given = {.area = {0, 0x7FFFF}, .fill = 0xFF, .save = {0xFFF8, 0x1000F}},
        .writer = S,
-       .lines = {"S113FFF8FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF05", "S20C010008FFFFFFFFFFFFFFFFF2", "S9030000FC"}},
-      {.name = "S 3: S3",
-       .area = {0x12340000, 0x1234FFFF},
-       .fill = 0xFF,
-       .save = {0x12340000, 0x12340007},
-       .length = 4,
+       .text =
+           "S113FFF8FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF05\r\nS20C010008FFFFFFFFFFFFFFFFF2\r\nS9030000FC\r\n"},
+      // S 3: S3.
+      {.given =
+           {.area = {0x12340000, 0x1234FFFF}, .fill = 0xFF, .save = {0x12340000, 0x12340007}, .length = 4},
        .writer = S,
-       .lines = {"S30912340000FFFFFFFFB4", "S30912340004FFFFFFFFB0", "S9030000FC"}},
-      {.name = "S 0000FFFF is S1, 00010000 S2",
-       .area = {0, 0x1FFFF},
-       .fill = 0xFF,
-       .save = {0xFFFF, 0x10000},
-       .length = 1,
+       .text = "S30912340000FFFFFFFFB4\r\nS30912340004FFFFFFFFB0\r\nS9030000FC\r\n"},
+      // S: 0000FFFF is S1, 00010000 S2.
+      {.given = {.area = {0, 0x1FFFF}, .fill = 0xFF, .save = {0xFFFF, 0x10000}, .length = 1},
        .writer = S,
-       .lines = {"S104FFFFFFFE", "S205010000FFFA", "S9030000FC"}},
-      {.name = "S 00FFFFFF is S2, 01000000 S3",
-       .area = {0xFFFF00, 0x10000FF},
-       .fill = 0xFF,
-       .save = {0xFFFFFF, 0x1000000},
-       .length = 1,
+       .text = "S104FFFFFFFE\r\nS205010000FFFA\r\nS9030000FC\r\n"},
+      // S: 00FFFFFF is S2, 01000000 S3.
+      {.given = {.area = {0xFFFF00, 0x10000FF}, .fill = 0xFF, .save = {0xFFFFFF, 0x1000000}, .length = 1},
        .writer = S,
-       .lines = {"S205FFFFFFFFFE", "S30601000000FFF9", "S9030000FC"}},
-      {.name = "YSM 1: 8-8",
-       .area = {0, 0x1FFF},
-       .fill = kSumSample,
-       .save = {0x1000, 0x1005},
+       .text = "S205FFFFFFFFFE\r\nS30601000000FFF9\r\nS9030000FC\r\n"},
+      // YSM 1 to 3, the last with an odd last address.
+      {.given = {.area = {0, 0x1FFF}, .fill = kSumSample, .save = {0x1000, 0x1005}},
        .writer = SumKind::Sum8_8,
-       .lines = {"S306000000006A8F"}},
-      {.name = "YSM 2: 8-16",
-       .area = {0, 0x1FFF},
-       .fill = kSumSample,
-       .save = {0x1000, 0x1005},
+       .text = "S306000000006A8F\r\n"},
+      {.given = {.area = {0, 0x1FFF}, .fill = kSumSample, .save = {0x1000, 0x1005}},
        .writer = SumKind::Sum8_16,
-       .lines = {"S30700000000026A8C"}},
-      {.name = "YSM 3: 16-16, odd last",
-       .area = {0, 0x1FFF},
-       .fill = kSumSample,
-       .save = {0x1000, 0x1005},
+       .text = "S30700000000026A8C\r\n"},
+      {.given = {.area = {0, 0x1FFF}, .fill = kSumSample, .save = {0x1000, 0x1005}},
        .writer = SumKind::Sum16_16,
-       .lines = {"S3070000000003688D"}},
-      {.name = "YSM 8-16 sum FFFF: x passes 255",
-       .area = {0, 0x1FFF},
-       .fill = 0xFF,
-       .save = {0, 0x100},
+       .text = "S3070000000003688D\r\n"},
+      // YSM: the 8-16 sum FFFF takes x past 255; the 8-8 sum F9 makes x FF, FA wraps it to 00.
+      {.given = {.area = {0, 0x1FFF}, .fill = 0xFF, .save = {0, 0x100}},
        .writer = SumKind::Sum8_16,
-       .lines = {"S30700000000FFFFFA"}},
-      {.name = "YSM 8-8 sum F9: x is FF",
-       .area = {0, 0xF},
-       .fill = 0xF9,
-       .save = {4, 4},
+       .text = "S30700000000FFFFFA\r\n"},
+      {.given = {.area = {0, 0xF}, .fill = 0xF9, .save = {4, 4}},
        .writer = SumKind::Sum8_8,
-       .lines = {"S30600000000F900"}},
-      {.name = "YSM 8-8 sum FA: x wraps to 00",
-       .area = {0, 0xF},
-       .fill = 0xFA,
-       .save = {4, 4},
+       .text = "S30600000000F900\r\n"},
+      {.given = {.area = {0, 0xF}, .fill = 0xFA, .save = {4, 4}},
        .writer = SumKind::Sum8_8,
-       .lines = {"S30600000000FAFF"}},
+       .text = "S30600000000FAFF\r\n"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.text.substr(0, c.text.find('\r')));
     TempDir dir;
-    Module1 m = Image(c.area, c.fill, c.save, c.length);
+    Module1 m = Image(c.given);
     const std::string path = (dir / "out").string();
-    std::vector<std::string> lines = c.lines;
-    if (std::holds_alternative<SumKind>(c.writer))
-      lines.insert(lines.end(), {"S3060000000001F8", "S70500000000FA"});
+    const bool ysm = std::holds_alternative<SumKind>(c.writer);
     EXPECT_TRUE(Write(c.writer, m, path).IsDone());
-    EXPECT_EQ(ReadFile(path), Lines(lines));
+    EXPECT_EQ(ReadFile(path), c.text + (ysm ? "S3060000000001F8\r\nS70500000000FA\r\n" : ""));
   }
 }
 
@@ -242,12 +188,12 @@ TEST(Writers, SCountAbove255StopsBeforeTheRecord) {
       {.save = {0xFF00, 0x101FF},
        .length = 0xFC,
        .fails = true,
-       .kept = Lines({"S1FFFF00" + ff252 + "FD", "S1FFFFFC" + ff252 + "01"})},
+       .kept = "S1FFFF00" + ff252 + "FD\r\nS1FFFFFC" + ff252 + "01\r\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(AddressToText(c.save.first) + " length " + HexByteText(c.length));
     TempDir dir;
-    Module1 m = Image({0, 0x10001FF}, 0xFF, c.save, c.length);
+    Module1 m = Image({.area = {0, 0x10001FF}, .fill = 0xFF, .save = c.save, .length = c.length});
     const auto path = dir / "out.S";
     const Outcome outcome = SaveSFile(m, path.string());
     EXPECT_EQ(outcome.ending, c.fails ? Ending::Refused : Ending::Done);
@@ -297,7 +243,7 @@ TEST(Writers, FileFaultsNameTheReasonAndKeepTheOldFile) {
     fs::permissions(dir / "read-only", fs::perms::owner_read | fs::perms::others_read);
     const std::string target = c.target[0] == '/' ? c.target : dir.path().string() + "/" + c.target;
     const auto check = [&] {
-      Module1 m = Image({0, 0xFFFF}, 0xFF, {0, 0xFFFF}, 0x10);
+      Module1 m = Image({.area = {0, 0xFFFF}, .fill = 0xFF, .save = {0, 0xFFFF}});
       const test::FileSizeLimit limit(4096);  // only the write into old grows a file
       const Outcome failed = Write(c.writer, m, target);
       const Outcome expected = Outcome::Fail("Can't "s + c.doing + " " + target + ": " + c.reason, target);
@@ -385,7 +331,7 @@ TEST(Writers, ReplacingKeepsWhatTheOldFileCarried) {
     std::map<std::string, std::string> before, after;
     for (const auto& e : fs::directory_iterator(dir.path()))
       before[e.path().filename()] = CarriedBy(e.path());
-    Module1 m = Image({0, 0xFF}, 0xFF, {0, 0}, 0x10);
+    Module1 m = Image({.area = {0, 0xFF}, .fill = 0xFF, .save = {0, 0}});
     ASSERT_TRUE(SaveHexFile(m, (dir / c.save).string()).IsDone());
     for (const auto& e : fs::directory_iterator(dir.path())) {
       after[e.path().filename()] = CarriedBy(e.path());
@@ -413,14 +359,14 @@ TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
     const int length = static_cast<int>(in(1, 0xFA));  // longer S records may pass a count of 255
     const Address offset =
         in(-std::min<Address>(saveFirst, 0x1000000), std::min<Address>(kAddressMax - last, 0x1000000));
-    Module1 source = Image({first, last}, 0, {saveFirst, saveLast}, length);
+    Module1 source =
+        Image({.area = {first, last}, .fill = 0, .save = {saveFirst, saveLast}, .length = length});
     for (Address a = first; a <= last; ++a) source.At(a) = static_cast<std::uint8_t>(random());
     // The HEX writer fills its last record up to the area's end.
     const Address hexEnd = std::min(saveFirst + ((saveLast - saveFirst) / length + 1) * length - 1, last);
     SCOPED_TRACE(testing::Message() << std::hex << first << ":" << last << " " << saveFirst << ":" << saveLast
                                     << " " << length << " " << offset);
     TempDir dir;
-    ScriptedPlatform platform;
     for (const ObjectFormat format : {BIN, HEX, S}) {
       const std::string name = "image." + std::string(NameOf(format)), path = (dir / name).string();
       SCOPED_TRACE(name);
@@ -436,8 +382,8 @@ TEST(RoundTrip, RandomSavesLoadBackAtTheirShiftedAddresses) {
       for (Address a = backFirst; a <= backLast; ++a) back.At(a) = static_cast<std::uint8_t>(~given(a));
       back.LoadOffset = format == BIN ? saveFirst + offset - backFirst : offset;  // BIN counts from LoadFirst
       back.LoadFileName = path;
-      const LoadReport report = LoadObjectFile(back, platform, backFirst, backLast, name);
-      ASSERT_TRUE(report.Loaded()) << report.message;
+      const LoadReport report = LoadObjectFile(back, backFirst, backLast, name);
+      ASSERT_TRUE(report.Loaded()) << report.outcome.words;
       for (Address a = backFirst; a <= backLast && !HasFailure(); ++a) {
         const bool stored = a - offset >= saveFirst && a - offset <= (format == HEX ? hexEnd : saveLast);
         EXPECT_EQ(back.At(a), static_cast<std::uint8_t>(stored ? given(a) : ~given(a)))
@@ -465,7 +411,7 @@ TEST(RoundTrip, SrecCatReadsTheSameBytes) {
   TempDir dir;
   const std::string file = (dir / "image.txt").string(), out = (dir / "image.bin").string();
   for (const auto& c : cases) {
-    Module1 m = Image({c.first, c.last}, 0, {c.first, c.last}, c.length);
+    Module1 m = Image({.area = {c.first, c.last}, .fill = 0, .save = {c.first, c.last}, .length = c.length});
     for (Address a = c.first; a <= c.last; ++a) m.At(a) = static_cast<std::uint8_t>(random());
     const std::string area(reinterpret_cast<const char*>(m.Buffer.data()),
                            static_cast<std::size_t>(m.BufSize));
@@ -484,96 +430,102 @@ const char* const kObject = "Object File Only";
 const char* const kYsm = "YSM File Only";
 const char* const kPair = "Object and YSM File";
 
-// The names of a save into /f, without a disk.
-TEST(SaveNaming, PathsTextAndPrompts) {
+constexpr FileType kOnly = FileType::ObjectOnly, kYsmOnly = FileType::YsmOnly, kBoth = FileType::ObjectAndYsm;
+
+std::string InF(const std::string& bare) { return bare.empty() ? bare : JoinPath("/f", bare); }
+
+// The files a save into /f makes, without a disk, and what Text5 shows afterwards.
+TEST(SaveNaming, FilesAndText5) {
   const struct {
-    FileType type = FileType::ObjectOnly;
+    FileType type = kOnly;
     ObjectFormat format = BIN;
-    std::string name;
-    std::vector<std::string> listed = {};
-    std::string object = {}, ysm = {};  // the files' bare names; empty for none
-    std::string text5 = {};             // Text5 afterwards; a refusal leaves the name
-    std::vector<std::string> prompts = {};
-    bool replaceObject = false;
-    std::string refusal = {};
+    std::string name, object = {}, ysm = {}, text5 = {};  // the files' bare names; empty for none
   } cases[] = {
       {.format = S, .name = "prog.txt", .object = "prog.txt", .text5 = "prog.txt"},
-      {.name = "abc.", .object = "abc..BIN", .text5 = "abc..BIN"},  // no extension after the first "."
+      {.name = "abc.", .object = "abc..BIN", .text5 = "abc..BIN"},  // no extension behind its first "."
       {.format = HEX, .name = "prog", .object = "prog.HEX", .text5 = "prog.HEX"},
       {.format = S, .name = "prog.YSM", .object = "prog.YSM", .text5 = "prog.YSM"},
-      {.name = "prog.hEx", .refusal = "Extension Error!"},
-      {.type = FileType::YsmOnly, .format = HEX, .name = "prog.hex", .ysm = "prog.hex", .text5 = "prog.hex"},
-      {.type = FileType::YsmOnly, .name = "prog", .ysm = "prog.YSM", .text5 = "prog.YSM"},
-      {.type = FileType::ObjectAndYsm,
-       .name = "prog",
-       .object = "prog.BIN",
-       .ysm = "prog.YSM",
-       .text5 = "prog.BIN"},
-      {.type = FileType::ObjectAndYsm,
+      {.type = kYsmOnly, .format = HEX, .name = "prog.hex", .ysm = "prog.hex", .text5 = "prog.hex"},
+      {.type = kYsmOnly, .name = "prog", .ysm = "prog.YSM", .text5 = "prog.YSM"},
+      {.type = kBoth, .name = "prog", .object = "prog.BIN", .ysm = "prog.YSM", .text5 = "prog.BIN"},
+      {.type = kBoth,
        .format = S,
        .name = "prog.YSM",
        .object = "prog.S",
        .ysm = "prog.YSM",
        .text5 = "prog.YSM"},
-      {.type = FileType::ObjectAndYsm, .name = "a.b.c", .object = "a.b.c", .ysm = "a.YSM", .text5 = "a.b.c"},
-      {.type = FileType::ObjectAndYsm, .format = S, .name = "prog.hex", .refusal = "Extension Error!"},
-      {.name = "prog",
-       .listed = {"a", "PROG.bin"},
-       .object = "prog.BIN",
-       .text5 = "prog.BIN",
-       .prompts = {"Over Write?"},
-       .replaceObject = true},
-      {.format = HEX,
-       .name = "prog.HEX",
-       .listed = {"prog.HEX"},
+      {.type = kBoth,
+       .format = HEX,
+       .name = "prog.ysm",
        .object = "prog.HEX",
-       .text5 = "prog.HEX",
-       .prompts = {"Over Write?"}},
-      {.type = FileType::YsmOnly,
-       .name = "prog",
-       .listed = {"prog.YSM"},
-       .ysm = "prog.YSM",
-       .text5 = "prog.YSM",
-       .prompts = {"Over Write?"}},
-      {.type = FileType::ObjectAndYsm,
+       .ysm = "prog.ysm",
+       .text5 = "prog.ysm"},
+      {.type = kBoth, .name = "a.b.c", .object = "a.b.c", .ysm = "a.YSM", .text5 = "a.b.c"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(NameOf(c.type)) + " " + std::string(NameOf(c.format)) + " " + c.name);
+    const SaveNames n = NameSave("/f", c.name, c.format, c.type, {});
+    EXPECT_TRUE(n.refusal.IsDone());
+    EXPECT_EQ(n.objectPath, InF(c.object));
+    EXPECT_EQ(n.ysmPath, InF(c.ysm));
+    EXPECT_EQ(n.text5, c.text5);
+    EXPECT_TRUE(n.prompts.empty());
+  }
+}
+
+// A name the save refuses stays as typed.
+TEST(SaveNaming, Refusals) {
+  const struct {
+    FileType type;
+    ObjectFormat format;
+    std::string name, words;
+  } cases[] = {
+      {.type = kOnly, .format = BIN, .name = "prog.hEx", .words = "Extension Error!"},
+      {.type = kBoth, .format = S, .name = "prog.hex", .words = "Extension Error!"},
+      {.type = kYsmOnly,
+       .format = BIN,
+       .name = "sub/prog",
+       .words = "Can't save " + InF("sub/prog") + ": a file name can't hold a folder."},
+  };
+  for (const auto& c : cases) {
+    const SaveNames n = NameSave("/f", c.name, c.format, c.type, {});
+    EXPECT_EQ(n.refusal.ending, Ending::Refused);
+    EXPECT_EQ(n.refusal.words, c.words);
+    EXPECT_EQ(n.text5, c.name);
+  }
+}
+
+// Listed names, compared ignoring case, bring their prompts in order; Yes to a listed BIN object file
+// replaces it whole.
+TEST(SaveNaming, PromptsForListedNames) {
+  const struct {
+    FileType type = kOnly;
+    ObjectFormat format = BIN;
+    std::string name;
+    std::vector<std::string> listed, prompts;
+    bool replaceObject = false;
+  } cases[] = {
+      {.name = "prog", .listed = {"a", "PROG.bin"}, .prompts = {"Over Write?"}, .replaceObject = true},
+      {.format = HEX, .name = "prog.HEX", .listed = {"prog.HEX"}, .prompts = {"Over Write?"}},
+      {.type = kYsmOnly, .name = "prog", .listed = {"prog.YSM"}, .prompts = {"Over Write?"}},
+      {.type = kBoth,
        .name = "prog",
        .listed = {"prog.BIN", "prog.YSM"},
-       .object = "prog.BIN",
-       .ysm = "prog.YSM",
-       .text5 = "prog.BIN",
        .prompts = {"prog.BIN File Over Write?", "prog.YSM File Over Write?"},
        .replaceObject = true},
-      {.type = FileType::ObjectAndYsm,
-       .name = "prog",
-       .listed = {"prog.ysm"},
-       .object = "prog.BIN",
-       .ysm = "prog.YSM",
-       .text5 = "prog.BIN",
-       .prompts = {"prog.YSM File Over Write?"}},
-      {.type = FileType::ObjectAndYsm,
+      {.type = kBoth, .name = "prog", .listed = {"prog.ysm"}, .prompts = {"prog.YSM File Over Write?"}},
+      {.type = kBoth,
        .format = HEX,
        .name = "prog.YSM",
        .listed = {"prog.HEX", "prog.ysm"},
-       .object = "prog.HEX",
-       .ysm = "prog.YSM",
-       .text5 = "prog.YSM",
        .prompts = {"prog.HEX File Over Write?", "prog.YSM File Over Write?"}},
   };
-  const auto in = [](const std::string& bare) { return bare.empty() ? bare : JoinPath("/f", bare); };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(NameOf(c.type)) + " " + std::string(NameOf(c.format)) + " " + c.name);
+    SCOPED_TRACE(testing::PrintToString(c.prompts));
     const SaveNames n = NameSave("/f", c.name, c.format, c.type, c.listed);
-    EXPECT_EQ(n.refusal.words, c.refusal);
-    EXPECT_EQ(n.text5, c.refusal.empty() ? c.text5 : c.name);
-    if (!c.refusal.empty()) continue;
-    EXPECT_EQ(n.objectPath, in(c.object));
-    EXPECT_EQ(n.ysmPath, in(c.ysm));
     EXPECT_EQ(n.prompts, c.prompts);
     EXPECT_EQ(n.replaceObject, c.replaceObject);
   }
-  const SaveNames folder = NameSave("/f", "sub/prog", BIN, FileType::ObjectOnly, {});
-  EXPECT_EQ(folder.refusal.words,
-            "Can't save " + JoinPath("/f", "sub/prog") + ": a file name can't hold a folder.");
 }
 
 // Also notes the pointer each message box was shown under.
@@ -783,37 +735,13 @@ TEST(SaveFlow, SettingsStoredOnlyAfterSuccess) {
 // leaves the lists as they were.
 TEST(SaveFlow, OpeningSwitchesTheListsTheStoredTypesNeed) {
   const struct {
-    const char *type, *format, *combo1, *combo2;
-    bool combo2On, combo3On, text4On;
+    const char *type = nullptr, *format = nullptr, *combo1, *combo2;
+    bool combo2On = true, combo3On = true, text4On = true;
   } cases[] = {
-      {.type = nullptr,
-       .format = nullptr,
-       .combo1 = kObject,
-       .combo2 = "BIN",
-       .combo2On = true,
-       .combo3On = false,
-       .text4On = false},
-      {.type = "ysm file only",
-       .format = "hex",
-       .combo1 = kYsm,
-       .combo2 = "HEX",
-       .combo2On = false,
-       .combo3On = true,
-       .text4On = true},
-      {.type = "OBJECT AND YSM FILE",
-       .format = "S",
-       .combo1 = kPair,
-       .combo2 = "S",
-       .combo2On = true,
-       .combo3On = true,
-       .text4On = true},
-      {.type = "Everything",
-       .format = "ELF",
-       .combo1 = "",
-       .combo2 = "",
-       .combo2On = true,
-       .combo3On = true,
-       .text4On = true},
+      {.combo1 = kObject, .combo2 = "BIN", .combo3On = false, .text4On = false},
+      {.type = "ysm file only", .format = "hex", .combo1 = kYsm, .combo2 = "HEX", .combo2On = false},
+      {.type = "OBJECT AND YSM FILE", .format = "S", .combo1 = kPair, .combo2 = "S"},
+      {.type = "Everything", .format = "ELF", .combo1 = "", .combo2 = ""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.combo1);
