@@ -316,4 +316,15 @@ QString FileListBox::List(int index) const {
   return entry ? entry->text() : QString();
 }
 
+void WireFileLists(DriveListBox* drive, DirListBox* dir, FileListBox* file, QLineEdit* name,
+                   Platform& platform) {
+  file->SetPath(dir->Path());
+  QObject::connect(dir, &DirListBox::Change, file, &FileListBox::SetPath);
+  QObject::connect(dir, &DirListBox::Change, drive, &DriveListBox::FollowPath);
+  QObject::connect(drive, &DriveListBox::Change, dir, [dir, &platform](const QString& to) {
+    if (!dir->SetPath(to)) platform.MsgBox("Device unavailable");
+  });
+  QObject::connect(file, &FileListBox::Click, name, &QLineEdit::setText);
+}
+
 }  // namespace kestrum::forms

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "image/Platform.h"
+
 namespace kestrum::forms {
 
 // The roots of this machine, in the order the drive list shows them.
@@ -111,5 +113,12 @@ class FileListBox : public QListWidget {
  private:
   QString path_;
 };
+
+// The drive, folder and file lists of a dialog working as one: the file list
+// shows the folder's files, the drive list follows the folder, a click on a
+// file puts its name into name. A drive whose folder can't be reached says
+// "Device unavailable": the drive list keeps showing it, the folder stays.
+void WireFileLists(DriveListBox* drive, DirListBox* dir, FileListBox* file, QLineEdit* name,
+                   Platform& platform);
 
 }  // namespace kestrum::forms

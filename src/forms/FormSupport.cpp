@@ -213,6 +213,10 @@ void ShowNameWhole(QLineEdit* box) {
   });
 }
 
+void SetTabOrder(std::initializer_list<QWidget*> order) {
+  for (auto it = order.begin(); it + 1 < order.end(); ++it) QWidget::setTabOrder(*it, *(it + 1));
+}
+
 QIcon AppIcon() {
   QIcon icon;
   for (int size : {16, 32, 48, 256}) {

@@ -13,6 +13,7 @@
 #include <QString>
 #include <QWidget>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -112,6 +113,9 @@ void FitDropDown(QComboBox* list);
 // rejects on Esc by itself; cancel must do no more than that), and names
 // the keys in their tool tips. def and cancel may be the same button.
 void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel);
+
+// Tab moves through the widgets in the order given.
+void SetTabOrder(std::initializer_list<QWidget*> order);
 
 // The program's icon, from the resources.
 QIcon AppIcon();

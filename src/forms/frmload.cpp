@@ -38,15 +38,10 @@ frmload::frmload(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   HookKeyFilter(Text2_, FilterOffsetKey);
   SetDefaultAndCancel(Command1_, Command2_);
   FitCaptions(this);
-  QWidget* order[] = {Dir1_, File1_, Text1_, Text4_, Text3_, Check1_, Text2_, Command1_, Command2_, Drive1_};
-  for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
+  SetTabOrder({Dir1_, File1_, Text1_, Text4_, Text3_, Check1_, Text2_, Command1_, Command2_, Drive1_});
   Dir1_->setFocus();
 
-  File1_->SetPath(Dir1_->Path());
-  connect(Dir1_, &DirListBox::Change, File1_, &FileListBox::SetPath);
-  connect(Dir1_, &DirListBox::Change, Drive1_, &DriveListBox::FollowPath);
-  connect(Drive1_, &DriveListBox::Change, this, &frmload::Drive1_Change);
-  connect(File1_, &FileListBox::Click, Text1_, &QLineEdit::setText);
+  WireFileLists(Drive1_, Dir1_, File1_, Text1_, ctx_.platform);
   connect(Check1_, &QCheckBox::clicked, this, &frmload::Check1_Click);
   // Esc rejects the dialog by itself, which is what Cancel does.
   connect(Command2_, &QPushButton::clicked, this, &QDialog::reject);
@@ -73,11 +68,6 @@ void frmload::PickFile(const QString& path) {
 }
 
 void frmload::Check1_Click() { Text2_->setHidden(!Check1_->isChecked()); }
-
-void frmload::Drive1_Change(const QString& drive) {
-  // The drive list keeps showing the new drive; the folder stays where it was.
-  if (!Dir1_->SetPath(drive)) ctx_.platform.MsgBox("Device unavailable");
-}
 
 LoadFields frmload::Fields() const {
   LoadFields f;

@@ -30,7 +30,6 @@ class frmload : public QDialog {
  private:
   void Command1_Click();
   void Check1_Click();
-  void Drive1_Change(const QString& drive);
   LoadFields Fields() const;
   void ShowFields(const LoadFields& f);
 
@@ -38,13 +37,9 @@ class frmload : public QDialog {
   DriveListBox* Drive1_ = nullptr;
   DirListBox* Dir1_ = nullptr;
   FileListBox* File1_ = nullptr;
-  QLineEdit* Text1_ = nullptr;
-  QLineEdit* Text4_ = nullptr;
-  QLineEdit* Text3_ = nullptr;
+  QLineEdit *Text1_ = nullptr, *Text4_ = nullptr, *Text3_ = nullptr, *Text2_ = nullptr;
   QCheckBox* Check1_ = nullptr;
-  QLineEdit* Text2_ = nullptr;
-  QPushButton* Command1_ = nullptr;
-  QPushButton* Command2_ = nullptr;
+  QPushButton *Command1_ = nullptr, *Command2_ = nullptr;
 };
 
 }  // namespace kestrum::forms

@@ -71,16 +71,11 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   SetDefaultAndCancel(Command5_, Command2_);
   for (auto* list : {Combo1_, Combo2_, Combo3_}) FitDropDown(list);
   FitCaptions(this);
-  QWidget* order[] = {Dir2_,  File2_, Text5_,  Combo1_,   Combo2_,   Text7_,
-                      Text6_, Text4_, Combo3_, Command5_, Command2_, Drive2_};
-  for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
+  SetTabOrder({Dir2_, File2_, Text5_, Combo1_, Combo2_, Text7_, Text6_, Text4_, Combo3_, Command5_, Command2_,
+               Drive2_});
   Dir2_->setFocus();
 
-  File2_->SetPath(Dir2_->Path());
-  connect(Dir2_, &DirListBox::Change, File2_, &FileListBox::SetPath);
-  connect(Dir2_, &DirListBox::Change, Drive2_, &DriveListBox::FollowPath);
-  connect(Drive2_, &DriveListBox::Change, this, &frmsave::Drive2_Change);
-  connect(File2_, &FileListBox::Click, Text5_, &QLineEdit::setText);
+  WireFileLists(Drive2_, Dir2_, File2_, Text5_, ctx_.platform);
   connect(Combo1_, &QComboBox::activated, this, &frmsave::Combo1_Click);
   connect(Combo2_, &QComboBox::activated, this, &frmsave::Combo2_Click);
   // Esc rejects the dialog by itself, which is what Cancel does.
@@ -95,11 +90,6 @@ frmsave::frmsave(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
     Drive2_->SetDrive(Q(places.drive));
     if (!places.dir.empty()) Dir2_->SetPath(Q(places.dir));
   }
-}
-
-void frmsave::Drive2_Change(const QString& drive) {
-  // The drive list keeps showing the new drive; the folder stays where it was.
-  if (!Dir2_->SetPath(drive)) ctx_.platform.MsgBox("Device unavailable");
 }
 
 void frmsave::Combo1_Click() {

@@ -27,7 +27,6 @@ class frmsave : public QDialog {
   void Combo1_Click();
   void Combo2_Click();
   void Command5_Click();
-  void Drive2_Change(const QString& drive);
   SaveFields Fields() const;
   void ShowFields(const SaveFields& f);
 
@@ -35,15 +34,9 @@ class frmsave : public QDialog {
   DriveListBox* Drive2_ = nullptr;
   DirListBox* Dir2_ = nullptr;
   FileListBox* File2_ = nullptr;
-  QLineEdit* Text5_ = nullptr;
-  QComboBox* Combo1_ = nullptr;
-  QComboBox* Combo2_ = nullptr;
-  QLineEdit* Text7_ = nullptr;
-  QLineEdit* Text6_ = nullptr;
-  QLineEdit* Text4_ = nullptr;
-  QComboBox* Combo3_ = nullptr;
-  QPushButton* Command5_ = nullptr;
-  QPushButton* Command2_ = nullptr;
+  QLineEdit *Text5_ = nullptr, *Text7_ = nullptr, *Text6_ = nullptr, *Text4_ = nullptr;
+  QComboBox *Combo1_ = nullptr, *Combo2_ = nullptr, *Combo3_ = nullptr;
+  QPushButton *Command5_ = nullptr, *Command2_ = nullptr;
 };
 
 }  // namespace kestrum::forms
