@@ -42,11 +42,12 @@ bool Cmdok_Click(BufAddrFields& f, Module1& m, Platform& platform, SettingsStore
   w.txtbufladdr = f.Text2;
   w.txteditaddr = f.Text1;
   // Every range a dialog offers starts again from the whole new area.
-  const std::pair<const char*, const std::string&> ranges[] = {
-      {"SUMfaddr", f.Text1},  {"SUMladdr", f.Text2}, {"storefaddr", f.Text1}, {"storeladdr", f.Text2},
-      {"SaveFirst", f.Text1}, {"SaveLast", f.Text2}, {"LoadFirst", f.Text1},  {"LoadLast", f.Text2}};
-  for (const auto& [key, text] : ranges) store.Write(kAddress, key, text);
-  store.Write(kAddress, "storedata", "10");
+  using namespace settings;
+  const std::pair<Setting, const std::string&> ranges[] = {
+      {SUMfaddr, f.Text1},  {SUMladdr, f.Text2}, {storefaddr, f.Text1}, {storeladdr, f.Text2},
+      {SaveFirst, f.Text1}, {SaveLast, f.Text2}, {LoadFirst, f.Text1},  {LoadLast, f.Text2}};
+  for (const auto& [setting, text] : ranges) store.Write(setting, text);
+  store.Write(storedata, "10");
   return true;
 }
 

@@ -10,8 +10,8 @@ void FillWithFF(Module1& m) { std::memset(m.Buffer.data(), 0xFF, static_cast<std
 
 bool Form_Load(Module1& m, SettingsStore& store) {
   SumToolFields& w = m.frmsumtool;
-  w.txtbuffaddr = store.Read(kAddress, "BufFirst", "00000000");
-  w.txtbufladdr = store.Read(kAddress, "BufLast", "0007FFFF");
+  w.txtbuffaddr = store.Read(settings::BufFirst, "00000000");
+  w.txtbufladdr = store.Read(settings::BufLast, "0007FFFF");
   const Address first = AddressFromText(w.txtbuffaddr);
   const Address last = AddressFromText(w.txtbufladdr);
   m.FileError = 0;
@@ -29,8 +29,8 @@ bool Form_Load(Module1& m, SettingsStore& store) {
 }
 
 void StoreAreaOnExit(const Module1& m, SettingsStore& store) {
-  store.Write(kAddress, "BufFirst", m.frmsumtool.txtbuffaddr);
-  store.Write(kAddress, "BufLast", m.frmsumtool.txtbufladdr);
+  store.Write(settings::BufFirst, m.frmsumtool.txtbuffaddr);
+  store.Write(settings::BufLast, m.frmsumtool.txtbufladdr);
 }
 
 }  // namespace kestrum
