@@ -58,6 +58,18 @@ class FormPlatform : public Platform {
   std::function<void()> show_;
 };
 
+// Presses a dialog's button whose work the core does: handler runs on the
+// fields with a platform that shows them (through show) whenever the busy
+// state changes, the fields come back to the widgets, and the dialog
+// closes when the handler says so.
+template <typename Fields, typename Show, typename Handler>
+void PressButton(QDialog* dialog, Platform& platform, Fields f, Show show, Handler handler) {
+  FormPlatform shown(platform, [&] { show(f); });
+  const bool close = handler(f, shown);
+  show(f);
+  if (close) dialog->accept();
+}
+
 // The font of the forms' captions, buttons and boxes: a sans serif outline
 // font at 8 pt, of the metrics the design sizes were made for.
 QFont FormFont();

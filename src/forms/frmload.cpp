@@ -93,11 +93,11 @@ void frmload::ShowFields(const LoadFields& f) {
 }
 
 void frmload::Command1_Click() {
-  LoadFields f = Fields();
-  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
-  const bool close = kestrum::frmload::Command1_Click(f, ctx_.m, platform, ctx_.store);
-  ShowFields(f);
-  if (close) accept();
+  PressButton(
+      this, ctx_.platform, Fields(), [this](const LoadFields& f) { ShowFields(f); },
+      [this](LoadFields& f, Platform& p) {
+        return kestrum::frmload::Command1_Click(f, ctx_.m, p, ctx_.store);
+      });
 }
 
 void ShowFrmLoad(AppContext& ctx, QWidget* owner, const QString& picked) {

@@ -140,12 +140,12 @@ void frmsave::ShowFields(const SaveFields& f) {
 }
 
 void frmsave::Command5_Click() {
-  SaveFields f = Fields();
   // The buttons show disabled while the save runs and its prompts are up.
-  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
-  const bool close = kestrum::frmsave::Command5_Click(f, ctx_.m, platform, ctx_.store);
-  ShowFields(f);
-  if (close) accept();
+  PressButton(
+      this, ctx_.platform, Fields(), [this](const SaveFields& f) { ShowFields(f); },
+      [this](SaveFields& f, Platform& p) {
+        return kestrum::frmsave::Command5_Click(f, ctx_.m, p, ctx_.store);
+      });
 }
 
 void ShowFrmSave(AppContext& ctx, QWidget* owner) {
