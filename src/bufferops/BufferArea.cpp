@@ -2,45 +2,33 @@
 
 #include <utility>
 
-#include "bufferops/ClearBuffer.h"
-#include "image/BusyScope.h"
+#include "image/DialogSupport.h"
 
 namespace kestrum {
 
-std::string PadWithLeadingZeros(std::string text) {
-  if (text.size() < 8) text.insert(0, 8 - text.size(), '0');
-  return text;
+std::string PadWithLeadingZeros(std::string_view text) {
+  std::string padded(text);
+  if (padded.size() < 8) padded.insert(0, 8 - padded.size(), '0');
+  return padded;
 }
 
-bool Cmdok_Click(BufAddrFields& f, Module1& m, Platform& platform, SettingsStore& store) {
-  if (f.Text1.empty()) {
-    platform.MsgBox("FirstAddress Error!");
-    return false;
-  }
-  if (f.Text2.empty()) {
-    platform.MsgBox("LastAddress Error!");
-    return false;
-  }
-  f.Text1 = PadWithLeadingZeros(f.Text1);
-  f.Text2 = PadWithLeadingZeros(f.Text2);
-  const Address first = AddressFromText(f.Text1);
-  const Address last = AddressFromText(f.Text2);
-  if (first > last) {
-    platform.MsgBox("Address Error");
-    return false;
-  }
+Outcome ReadBufAddrFields(BufAddrFields& f) {
+  const Outcome empty = RefuseEmpty({{&f.Text1, "FirstAddress Error!"}, {&f.Text2, "LastAddress Error!"}});
+  if (!empty.IsDone()) return empty;
+  const AddressRange range = PadAndRead(f.Text1, f.Text2, PadWithLeadingZeros);
+  return range.first > range.last ? Outcome::Refuse("Address Error") : Outcome::Done();
+}
 
-  BusyScope busy(platform, {&f.CmdokEnabled, &f.Command1Enabled});
-  if (SizeBuffer(m, first, last) != SizeResult::Ok) {
-    busy.End();
-    platform.MsgBox("Out of Memory");
+Outcome NewArea(Module1& m, const std::string& firstText, const std::string& lastText) {
+  return ResetArea(m, firstText, lastText) == SizeResult::Ok ? Outcome::Done()
+                                                             : Outcome::Fail("Out of Memory");
+}
+
+bool frmbufaddr::Cmdok_Click(BufAddrFields& f, Module1& m, Platform& platform, SettingsStore& store) {
+  if (!RunChecked(ReadBufAddrFields(f), platform, {&f.CmdokEnabled, &f.Command1Enabled}, [&] {
+         return NewArea(m, f.Text1, f.Text2);
+       }).IsDone())
     return false;
-  }
-  ClearBuffer(m);
-  SumToolFields& w = m.frmsumtool;
-  w.txtbuffaddr = f.Text1;
-  w.txtbufladdr = f.Text2;
-  w.txteditaddr = f.Text1;
   // Every range a dialog offers starts again from the whole new area.
   using namespace settings;
   const std::pair<Setting, const std::string&> ranges[] = {

@@ -1,5 +1,6 @@
 #include "bufferops/Dump.h"
 
+#include "image/DialogSupport.h"
 #include "image/HexCodec.h"
 
 namespace kestrum {
@@ -8,21 +9,14 @@ namespace {
 
 constexpr char kMessage[] = "Dump Address Error!";
 
-// Steps 1 to 3 shared by the three buttons: false on an empty field.
-bool ReadDumpAddress(Module1& m, Platform& platform) {
-  SumToolFields& w = m.frmsumtool;
-  if (w.txteditaddr.empty()) {
-    platform.MsgBox(kMessage);
-    return false;
+void Button(Module1& m, Platform& platform, DumpStep step) {
+  std::string& text = m.frmsumtool.txteditaddr;
+  Outcome outcome = RefuseEmpty({{&text, kMessage}});
+  if (outcome.IsDone()) {
+    text = PadAddressText(text);
+    outcome = DumpPage(m, AddressFromText(text), step);
   }
-  w.txteditaddr = PadAddressText(w.txteditaddr);
-  m.DumpAddr = AddressFromText(w.txteditaddr);
-  return true;
-}
-
-void ShowPage(Module1& m) {
-  m.frmsumtool.List1.clear();
-  RefreshDump(m);
+  ShowWords(platform, outcome);
 }
 
 }  // namespace
@@ -48,37 +42,24 @@ void RefreshDump(Module1& m) {
   for (auto& row : DumpRows(m)) m.frmsumtool.List1.push_back(std::move(row));
 }
 
-void cmdedit_Click(Module1& m, Platform& platform) {
-  if (!ReadDumpAddress(m, platform)) return;
-  if (!m.InArea(m.DumpAddr)) {
-    platform.MsgBox(kMessage);
-    return;
-  }
-  ShowPage(m);
-  m.frmsumtool.cmdeditplusEnabled = true;
-  m.frmsumtool.cmdeditminusEnabled = true;
+Outcome DumpPage(Module1& m, Address at, DumpStep step) {
+  SumToolFields& w = m.frmsumtool;
+  m.DumpAddr = at;
+  if (step == DumpStep::Up && m.DumpAddr + kDumpPageBytes <= m.BufLast) m.DumpAddr += kDumpRowBytes;
+  if (!m.InArea(m.DumpAddr)) return Outcome::Refuse(kMessage);
+  if (step == DumpStep::Down)
+    m.DumpAddr = m.BufFirst + kDumpRowBytes <= m.DumpAddr ? m.DumpAddr - kDumpRowBytes : m.BufFirst;
+  w.List1.clear();
+  RefreshDump(m);
+  if (step == DumpStep::Here)
+    w.cmdeditplusEnabled = w.cmdeditminusEnabled = true;
+  else
+    w.txteditaddr = AddressToText(m.DumpAddr);
+  return Outcome::Done();
 }
 
-void cmdeditminus_Click(Module1& m, Platform& platform) {
-  if (!ReadDumpAddress(m, platform)) return;
-  if (!m.InArea(m.DumpAddr)) {
-    platform.MsgBox(kMessage);
-    return;
-  }
-  m.DumpAddr = m.BufFirst + kDumpRowBytes <= m.DumpAddr ? m.DumpAddr - kDumpRowBytes : m.BufFirst;
-  ShowPage(m);
-  m.frmsumtool.txteditaddr = AddressToText(m.DumpAddr);
-}
-
-void cmdeditplus_Click(Module1& m, Platform& platform) {
-  if (!ReadDumpAddress(m, platform)) return;
-  if (m.DumpAddr + kDumpPageBytes <= m.BufLast) m.DumpAddr += kDumpRowBytes;
-  if (!m.InArea(m.DumpAddr)) {
-    platform.MsgBox(kMessage);
-    return;
-  }
-  ShowPage(m);
-  m.frmsumtool.txteditaddr = AddressToText(m.DumpAddr);
-}
+void frmsumtool::cmdedit_Click(Module1& m, Platform& platform) { Button(m, platform, DumpStep::Here); }
+void frmsumtool::cmdeditplus_Click(Module1& m, Platform& platform) { Button(m, platform, DumpStep::Up); }
+void frmsumtool::cmdeditminus_Click(Module1& m, Platform& platform) { Button(m, platform, DumpStep::Down); }
 
 }  // namespace kestrum

@@ -3,6 +3,7 @@
 // asks for it.
 #include <string>
 
+#include "image/DialogSupport.h"
 #include "image/Module1.h"
 #include "image/Platform.h"
 #include "image/Settings.h"
@@ -14,6 +15,18 @@ namespace kestrum {
 // Both addresses must lie in the area; where one does not, nothing is stored.
 // Changes the image and nothing else.
 void StoreBlock(Module1& m, Address First, Address Last, int Data);
+
+// What Store asks for: the byte over the range, wrapping as StoreBlock does.
+struct BlockStoreRequest {
+  AddressRange range;
+  int data = 0;
+};
+
+// Refuses a range with an end outside the area: "Address Error".
+Outcome CheckBlockStore(const Module1& m, const BlockStoreRequest& request);
+
+// StoreBlock, with its notice.
+Outcome StoreBlock(Module1& m, const BlockStoreRequest& request);
 
 // The fields of the Block Store dialog.
 struct StoreFields {
@@ -32,13 +45,25 @@ struct StoreFields {
 // such a text with "Data Error!".
 int StoreDataValue(const std::string& text);
 
+// Store's checks, stopping at the first bad field with its words: the
+// request read from the fields, the two address fields padded.
+Outcome ReadStoreFields(StoreFields& f, const Module1& m, BlockStoreRequest& request);
+
+namespace frmsumtool {
+
 // The main window's "Block Store" button: fills the dialog from the store,
 // the area's own addresses and "00" standing in for what is missing.
 void cmdblstore_Click(StoreFields& f, const Module1& m, SettingsStore& store);
 
-// The dialog's "Store" button. Stops at the first bad field with its message;
-// otherwise stores, reports, empties the dump and keeps the fields in the
-// store. True when the dialog closes.
+}  // namespace frmsumtool
+
+namespace frmstore {
+
+// "Store": stops at the first bad field with its message; otherwise stores,
+// reports, empties the dump and keeps the fields in the store. True when the
+// dialog closes.
 bool Command2_Click(StoreFields& f, Module1& m, Platform& platform, SettingsStore& store);
+
+}  // namespace frmstore
 
 }  // namespace kestrum

@@ -1,6 +1,6 @@
-// Steps that change or measure the image without a file. Each one fills the
-// fields of the matching dialog and presses its button, so the checks and
-// their words are the window's.
+// Steps that change or measure the image without a file. Each one runs the
+// engine behind the matching dialog, so the checks and their words are the
+// window's.
 #include <ostream>
 
 #include "bufferops/ClearBuffer.h"
@@ -8,33 +8,22 @@
 #include "bufferops/StoreBlock.h"
 #include "bufferops/SumDialog.h"
 #include "cli/Cli.h"
-#include "image/Settings.h"
 
 namespace kestrum::cli {
 
 namespace {
 
-// The two address texts of FIRST:LAST, refused when they are no hexadecimal
-// addresses: the window's filter would never have let such text in.
-bool SplitRange(CliContext& ctx, const std::string& text, std::string& first, std::string& last,
-                int& status) {
-  Address a = 0, b = 0;
+// FIRST:LAST, refused when it is no range of hexadecimal addresses: the
+// window's filter would never have let such text in.
+bool ReadRange(CliContext& ctx, const std::string& text, AddressRange& range, int& status) {
   std::string why;
-  if (!ParseRange(text, a, b, why)) {
-    status = Fail(ctx, kUsage, why);
-    return false;
-  }
-  const auto colon = text.find(':');
-  first = text.substr(0, colon);
-  last = text.substr(colon + 1);
-  return true;
+  if (ParseRange(text, range.first, range.last, why)) return true;
+  status = Fail(ctx, kUsage, why);
+  return false;
 }
 
-// The dialog's message, which the core has just shown, as a refusal.
-int Refused(CliContext& ctx) {
-  const std::string words = ctx.platform.messages.empty() ? "refused" : ctx.platform.messages.back();
-  return Fail(ctx, kUsage, words);
-}
+// A refusal of the engine, with the window's words.
+int Refused(CliContext& ctx, const Outcome& outcome) { return Fail(ctx, kUsage, outcome.words); }
 
 int RunClear(CliContext& ctx, const Step&) {
   ClearBuffer(ctx.m);
@@ -43,20 +32,19 @@ int RunClear(CliContext& ctx, const Step&) {
 }
 
 int RunFill(CliContext& ctx, const Step& step) {
-  StoreFields f;
+  BlockStoreRequest request;
   int status = kOk;
-  if (!SplitRange(ctx, step.args[0], f.Text1, f.Text2, status)) return status;
+  if (!ReadRange(ctx, step.args[0], request.range, status)) return status;
   Address value = 0;
   if (!ParseHex(step.args[1], 2, value)) return Fail(ctx, kUsage, "Data Error!");
-  f.Text3 = step.args[1];
-  // The command line keeps nothing between runs: the dialog's settings go
-  // to a store that is dropped.
-  MemorySettings scratch;
-  if (!Command2_Click(f, ctx.m, ctx.platform, scratch)) return Refused(ctx);
+  request.data = static_cast<int>(value);
+  if (const Outcome checked = CheckBlockStore(ctx.m, request); !checked.IsDone())
+    return Refused(ctx, checked);
+  StoreBlock(ctx.m, request);
   if (ctx.verbose) {
-    const Address first = AddressFromText(f.Text1), last = AddressFromText(f.Text2);
+    const auto [first, last] = request.range;
     const Address count = first <= last ? last - first + 1 : ctx.m.BufSize - (first - last) + 1;
-    ctx.err << "fill: " << count << " bytes set to " << HexByteText(static_cast<int>(value)) << '\n';
+    ctx.err << "fill: " << count << " bytes set to " << HexByteText(request.data) << '\n';
   }
   return kOk;
 }
@@ -81,29 +69,29 @@ int ReadSumStore(CliContext& ctx, const Step& step, StoreRequest& store, SumKind
 }
 
 int RunSum(CliContext& ctx, const Step& step) {
-  SumFields f;
-  f.Text6 = ctx.m.frmsumtool.txtbuffaddr;
-  f.Text7 = ctx.m.frmsumtool.txtbufladdr;
+  AddressRange range{ctx.m.BufFirst, ctx.m.BufLast};
   int status = kOk;
-  if (!step.args.empty() && !SplitRange(ctx, step.args[0], f.Text6, f.Text7, status)) return status;
+  if (!step.args.empty() && !ReadRange(ctx, step.args[0], range, status)) return status;
   StoreRequest store;
   SumKind kind = SumKind::Sum8_8;
   Complement complement = Complement::None;
   if (status = ReadSumStore(ctx, step, store, kind, complement); status != kOk) return status;
-  if (!Command1_Click(f, ctx.m, ctx.platform)) return Refused(ctx);
+  if (const Outcome checked = CheckSumRange(ctx.m, range); !checked.IsDone()) return Refused(ctx, checked);
   const int count = ValueBytes(kind);
-  if (status = CheckPlace(ctx, store, count, ctx.m.SumFirst, ctx.m.SumLast); status != kOk) return status;
+  if (status = CheckPlace(ctx, store, count, range.first, range.last); status != kOk) return status;
+  const Sums sums = SumRange(ctx.m, range.first, range.last);
+  SumFields f;
+  ShowSums(f, sums);
   ctx.out << "8-8bit=" << f.Text1 << " 8-16bit=" << f.Text2 << " 16-16bit=" << f.Text3 << '\n';
-  Store(ctx, store, SumValue(CalculateSum(ctx.m), kind, complement), count);
+  Store(ctx, store, SumValue(sums, kind, complement), count);
   return kOk;
 }
 
 int RunDump(CliContext& ctx, const Step& step) {
   Address value = 0;
   if (!ParseHex(step.args[0], 8, value)) return Fail(ctx, kUsage, "Dump Address Error!");
-  ctx.m.frmsumtool.txteditaddr = step.args[0];
-  cmdedit_Click(ctx.m, ctx.platform);
-  if (!ctx.platform.messages.empty()) return Refused(ctx);
+  const Outcome shown = DumpPage(ctx.m, value, DumpStep::Here);
+  if (!shown.IsDone()) return Refused(ctx, shown);
   for (const auto& row : ctx.m.frmsumtool.List1) ctx.out << row << '\n';
   return kOk;
 }

@@ -41,10 +41,8 @@ int RunCrc(CliContext& ctx, const Step& step) {
   Address first = 0, last = 0;
   if (!ParseRange(step.args[0], first, last, why)) return Fail(ctx, kUsage, why);
   // The range passes the checks of the SUM dialog, with its words.
-  SumFields f;
-  f.Text6 = AddressToText(first);
-  f.Text7 = AddressToText(last);
-  if (!TakeSumRange(f, ctx.m, ctx.platform)) return Fail(ctx, kUsage, ctx.platform.messages.back());
+  if (const Outcome checked = CheckSumRange(ctx.m, {first, last}); !checked.IsDone())
+    return Fail(ctx, kUsage, checked.words);
   const int count = ValueBytes(model->width);
   if (int status = CheckPlace(ctx, store, count, first, last); status != kOk) return status;
   const std::uint64_t value = CrcRange(ctx.m, first, last, Crc(*model));

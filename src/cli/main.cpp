@@ -1,5 +1,4 @@
 // kestrum-cli: the engine of the window for build pipelines.
-#include <cstring>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -155,11 +154,8 @@ int main(int argc, char** argv) {
   std::string why;
   if (!ParseRange(call.area, first, last, why)) return Usage("--area: " + why);
   if (first > last) return Fail(ctx, kUsage, "Address Error");
-  if (SizeBuffer(ctx.m, first, last) != SizeResult::Ok) return Fail(ctx, kFailed, "Out of Memory");
-  std::memset(ctx.m.Buffer.data(), 0xFF, static_cast<std::size_t>(ctx.m.BufSize));
-  ctx.m.frmsumtool.txtbuffaddr = AddressToText(first);
-  ctx.m.frmsumtool.txtbufladdr = AddressToText(last);
-  ctx.m.frmsumtool.txteditaddr = ctx.m.frmsumtool.txtbuffaddr;
+  if (ResetArea(ctx.m, AddressToText(first), AddressToText(last)) != SizeResult::Ok)
+    return Fail(ctx, kFailed, "Out of Memory");
 
   for (const Step& step : call.steps) {
     ctx.platform.messages.clear();

@@ -206,15 +206,15 @@ void SetDefaultAndCancel(QPushButton* def, QPushButton* cancel) {
   cancel->setToolTip(QStringLiteral("%1 (Esc)").arg(cancel->text()));
 }
 
+void SetTabOrder(std::initializer_list<QWidget*> order) {
+  for (auto it = order.begin(); it + 1 < order.end(); ++it) QWidget::setTabOrder(*it, *(it + 1));
+}
+
 void ShowNameWhole(QLineEdit* box) {
   QObject::connect(box, &QLineEdit::textChanged, box, [box](const QString& text) {
     box->setToolTip(text);
     box->setCursorPosition(0);
   });
-}
-
-void SetTabOrder(std::initializer_list<QWidget*> order) {
-  for (auto it = order.begin(); it + 1 < order.end(); ++it) QWidget::setTabOrder(*it, *(it + 1));
 }
 
 QIcon AppIcon() {

@@ -16,6 +16,8 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "image/Module1.h"
 #include "image/Platform.h"
@@ -56,6 +58,28 @@ class FormPlatform : public Platform {
  private:
   Platform& platform_;
   std::function<void()> show_;
+};
+
+inline QString Q(const std::string& s) { return QString::fromStdString(s); }
+inline std::string S(const QString& s) { return s.toStdString(); }
+
+// A form's fields of the core tied to its widgets: each text to a box, each
+// Enabled flag to a button.
+template <typename Fields>
+struct FieldWidgets {
+  std::vector<std::pair<std::string Fields::*, QLineEdit*>> texts;
+  std::vector<std::pair<bool Fields::*, QPushButton*>> buttons;
+
+  Fields Read() const {
+    Fields f;
+    for (const auto& [field, box] : texts) f.*field = S(box->text());
+    for (const auto& [field, button] : buttons) f.*field = button->isEnabled();
+    return f;
+  }
+  void Show(const Fields& f) const {
+    for (const auto& [field, box] : texts) box->setText(Q(f.*field));
+    for (const auto& [field, button] : buttons) button->setEnabled(f.*field);
+  }
 };
 
 // Presses a dialog's button whose work the core does: handler runs on the
@@ -144,8 +168,5 @@ using KeyFilter = int (*)(std::string_view fieldText, int keyCode);
 
 // Runs every typed key of edit through filter before the field sees it.
 void HookKeyFilter(QLineEdit* edit, KeyFilter filter);
-
-inline QString Q(const std::string& s) { return QString::fromStdString(s); }
-inline std::string S(const QString& s) { return s.toStdString(); }
 
 }  // namespace kestrum::forms

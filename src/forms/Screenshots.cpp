@@ -69,7 +69,7 @@ bool LoadAndDump(Module1& m, Platform& platform, const QString& file) {
   m.FileError = 0;
   if (!report.Loaded()) return false;
   m.frmsumtool.Text1 = S(info.fileName());
-  cmdedit_Click(m, platform);
+  kestrum::frmsumtool::cmdedit_Click(m, platform);
   return true;
 }
 

@@ -10,42 +10,35 @@ namespace kestrum::forms {
 frmbufaddr::frmbufaddr(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
   SetUpForm(this, "frmbufaddr", QStringLiteral("Set Buffer Address"), 3930, 2130);
 
-  Text1_ = MakeChild<QLineEdit>(this, "Text1", Twips(1785, 390, 1005, 285));
-  Text2_ = MakeChild<QLineEdit>(this, "Text2", Twips(1785, 915, 1005, 285));
-  Cmdok_ = MakeChild<QPushButton>(this, "Cmdok", Twips(705, 1470, 960, 390), QStringLiteral("OK"));
-  Command1_ = MakeChild<QPushButton>(this, "Command1", Twips(2310, 1470, 960, 390), QStringLiteral("Cancel"));
+  auto* Text1 = MakeChild<QLineEdit>(this, "Text1", Twips(1785, 390, 1005, 285));
+  auto* Text2 = MakeChild<QLineEdit>(this, "Text2", Twips(1785, 915, 1005, 285));
+  auto* Cmdok = MakeChild<QPushButton>(this, "Cmdok", Twips(705, 1470, 960, 390), QStringLiteral("OK"));
+  auto* Command1 =
+      MakeChild<QPushButton>(this, "Command1", Twips(2310, 1470, 960, 390), QStringLiteral("Cancel"));
   MakeLabel(this, "Label2", QStringLiteral("FirstAddress"), 645, 375, 855, 195);
   MakeLabel(this, "Label3", QStringLiteral("LastAddress"), 630, 945, 930, 255);
-  for (auto* box : {Text1_, Text2_}) {
+  for (auto* box : {Text1, Text2}) {
     box->setFont(MonoFont());
     HookKeyFilter(box, FilterAddressKey);
   }
-  SetDefaultAndCancel(Cmdok_, Command1_);
+  SetDefaultAndCancel(Cmdok, Command1);
   FitCaptions(this);
-  Text1_->setFocus();
-  setTabOrder(Text1_, Text2_);
-  setTabOrder(Text2_, Cmdok_);
-  setTabOrder(Cmdok_, Command1_);
+  Text1->setFocus();
+  SetTabOrder({Text1, Text2, Cmdok, Command1});
 
   // Esc rejects the dialog by itself, which is what Cancel does.
-  connect(Command1_, &QPushButton::clicked, this, &QDialog::reject);
-  connect(Cmdok_, &QPushButton::clicked, this, &frmbufaddr::Cmdok_Click);
+  connect(Command1, &QPushButton::clicked, this, &QDialog::reject);
+  connect(Cmdok, &QPushButton::clicked, this, &frmbufaddr::Cmdok_Click);
+  fields_ = {{{&BufAddrFields::Text1, Text1}, {&BufAddrFields::Text2, Text2}},
+             {{&BufAddrFields::CmdokEnabled, Cmdok}, {&BufAddrFields::Command1Enabled, Command1}}};
 }
 
 void frmbufaddr::Cmdok_Click() {
-  BufAddrFields f;
-  f.Text1 = S(Text1_->text());
-  f.Text2 = S(Text2_->text());
-  const auto show = [&] {
-    Text1_->setText(Q(f.Text1));
-    Text2_->setText(Q(f.Text2));
-    Cmdok_->setEnabled(f.CmdokEnabled);
-    Command1_->setEnabled(f.Command1Enabled);
-  };
-  FormPlatform platform(ctx_.platform, show);
-  const bool close = kestrum::Cmdok_Click(f, ctx_.m, platform, ctx_.store);
-  show();
-  if (close) accept();
+  PressButton(
+      this, ctx_.platform, fields_.Read(), [this](const BufAddrFields& f) { fields_.Show(f); },
+      [this](BufAddrFields& f, Platform& platform) {
+        return kestrum::frmbufaddr::Cmdok_Click(f, ctx_.m, platform, ctx_.store);
+      });
 }
 
 void ShowFrmBufAddr(AppContext& ctx, QWidget* owner) {

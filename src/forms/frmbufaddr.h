@@ -4,9 +4,6 @@
 #include "bufferops/BufferArea.h"
 #include "forms/FormSupport.h"
 
-class QLineEdit;
-class QPushButton;
-
 namespace kestrum::forms {
 
 // Set Buffer Address: a new area for the image. Both fields open empty.
@@ -19,10 +16,7 @@ class frmbufaddr : public QDialog {
   void Cmdok_Click();
 
   AppContext& ctx_;
-  QLineEdit* Text1_ = nullptr;
-  QLineEdit* Text2_ = nullptr;
-  QPushButton* Cmdok_ = nullptr;
-  QPushButton* Command1_ = nullptr;
+  FieldWidgets<BufAddrFields> fields_;
 };
 
 }  // namespace kestrum::forms

@@ -4,9 +4,6 @@
 #include "bufferops/StoreBlock.h"
 #include "forms/FormSupport.h"
 
-class QLineEdit;
-class QPushButton;
-
 namespace kestrum::forms {
 
 // Block Store: a range and a byte value. Opens with its fields from the
@@ -18,15 +15,9 @@ class frmstore : public QDialog {
 
  private:
   void Command2_Click();
-  StoreFields Fields() const;
-  void ShowFields(const StoreFields& f);
 
   AppContext& ctx_;
-  QLineEdit* Text1_ = nullptr;
-  QLineEdit* Text2_ = nullptr;
-  QLineEdit* Text3_ = nullptr;
-  QPushButton* Command1_ = nullptr;
-  QPushButton* Command2_ = nullptr;
+  FieldWidgets<StoreFields> fields_;
 };
 
 }  // namespace kestrum::forms

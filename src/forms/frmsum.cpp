@@ -13,39 +13,43 @@ frmsum::frmsum(AppContext& ctx, QWidget* owner) : QDialog(owner), ctx_(ctx) {
 
   auto* frame1 = MakeFrame(this, "Frame1", QStringLiteral("Address Set up"), Twips(225, 555, 2520, 1635));
   MakeLabel(frame1, "Label7", QStringLiteral("FirstAddress"), 135, 450);
-  Text6_ = MakeChild<QLineEdit>(frame1, "Text6", Twips(1275, 465, 1110, 315));
+  auto* Text6 = MakeChild<QLineEdit>(frame1, "Text6", Twips(1275, 465, 1110, 315));
   MakeLabel(frame1, "Label6", QStringLiteral("LastAddress"), 120, 1020);
-  Text7_ = MakeChild<QLineEdit>(frame1, "Text7", Twips(1275, 990, 1110, 315));
+  auto* Text7 = MakeChild<QLineEdit>(frame1, "Text7", Twips(1275, 990, 1110, 315));
 
   auto* frame2 = MakeFrame(this, "Frame2", QStringLiteral("Result"), Twips(3090, 270, 2610, 2190));
   MakeLabel(frame2, "Label8", QStringLiteral("8-8bit"), 510, 420);
-  Text1_ = MakeChild<QLineEdit>(frame2, "Text1", Twips(1215, 375, 870, 285));
+  auto* Text1 = MakeChild<QLineEdit>(frame2, "Text1", Twips(1215, 375, 870, 285));
   MakeLabel(frame2, "Label5", QStringLiteral("8-16bit"), 420, 960);
-  Text2_ = MakeChild<QLineEdit>(frame2, "Text2", Twips(1215, 930, 870, 285));
+  auto* Text2 = MakeChild<QLineEdit>(frame2, "Text2", Twips(1215, 930, 870, 285));
   MakeLabel(frame2, "Label4", QStringLiteral("16-16bit"), 330, 1545);
-  Text3_ = MakeChild<QLineEdit>(frame2, "Text3", Twips(1215, 1500, 870, 285));
+  auto* Text3 = MakeChild<QLineEdit>(frame2, "Text3", Twips(1215, 1500, 870, 285));
 
-  Command1_ =
+  auto* Command1 =
       MakeChild<QPushButton>(this, "Command1", Twips(2460, 2760, 1140, 390), QStringLiteral("Calculate"));
   Command2_ = MakeChild<QPushButton>(this, "Command2", Twips(4125, 2760, 1140, 390), QStringLiteral("Close"));
 
-  for (auto* box : {Text6_, Text7_, Text1_, Text2_, Text3_}) box->setFont(MonoFont());
-  for (auto* result : {Text1_, Text2_, Text3_}) result->setEnabled(false);
-  HookKeyFilter(Text6_, FilterAddressKey);
-  HookKeyFilter(Text7_, FilterAddressKey);
-  SetDefaultAndCancel(Command1_, Command2_);
+  for (auto* box : {Text6, Text7, Text1, Text2, Text3}) box->setFont(MonoFont());
+  for (auto* result : {Text1, Text2, Text3}) result->setEnabled(false);
+  HookKeyFilter(Text6, FilterAddressKey);
+  HookKeyFilter(Text7, FilterAddressKey);
+  SetDefaultAndCancel(Command1, Command2_);
   FitCaptions(this);
-  Text6_->setFocus();
-  setTabOrder(Text6_, Text7_);
-  setTabOrder(Text7_, Command1_);
-  setTabOrder(Command1_, Command2_);
+  Text6->setFocus();
+  SetTabOrder({Text6, Text7, Command1, Command2_});
 
-  connect(Command1_, &QPushButton::clicked, this, &frmsum::Command1_Click);
+  connect(Command1, &QPushButton::clicked, this, &frmsum::Command1_Click);
   connect(Command2_, &QPushButton::clicked, this, &frmsum::Command2_Click);
 
+  fields_ = {{{&SumFields::Text6, Text6},
+              {&SumFields::Text7, Text7},
+              {&SumFields::Text1, Text1},
+              {&SumFields::Text2, Text2},
+              {&SumFields::Text3, Text3}},
+             {{&SumFields::Command1Enabled, Command1}, {&SumFields::Command2Enabled, Command2_}}};
   SumFields f;
-  cmdbufsum_Click(f, ctx_.m, ctx_.store);
-  ShowFields(f);
+  kestrum::frmsumtool::cmdbufsum_Click(f, ctx_.m, ctx_.store);
+  fields_.Show(f);
 }
 
 void frmsum::keyPressEvent(QKeyEvent* event) {
@@ -58,37 +62,18 @@ void frmsum::keyPressEvent(QKeyEvent* event) {
   QDialog::keyPressEvent(event);
 }
 
-SumFields frmsum::Fields() const {
-  SumFields f;
-  f.Text6 = S(Text6_->text());
-  f.Text7 = S(Text7_->text());
-  f.Text1 = S(Text1_->text());
-  f.Text2 = S(Text2_->text());
-  f.Text3 = S(Text3_->text());
-  f.Command1Enabled = Command1_->isEnabled();
-  f.Command2Enabled = Command2_->isEnabled();
-  return f;
-}
-
-void frmsum::ShowFields(const SumFields& f) {
-  Text6_->setText(Q(f.Text6));
-  Text7_->setText(Q(f.Text7));
-  Text1_->setText(Q(f.Text1));
-  Text2_->setText(Q(f.Text2));
-  Text3_->setText(Q(f.Text3));
-  Command1_->setEnabled(f.Command1Enabled);
-  Command2_->setEnabled(f.Command2Enabled);
-}
-
 void frmsum::Command1_Click() {
-  SumFields f = Fields();
-  FormPlatform platform(ctx_.platform, [&] { ShowFields(f); });
-  kestrum::Command1_Click(f, ctx_.m, platform);
-  ShowFields(f);
+  // The dialog stays open after a calculation.
+  PressButton(
+      this, ctx_.platform, fields_.Read(), [this](const SumFields& f) { fields_.Show(f); },
+      [this](SumFields& f, Platform& platform) {
+        kestrum::frmsum::Command1_Click(f, ctx_.m, platform);
+        return false;
+      });
 }
 
 void frmsum::Command2_Click() {
-  kestrum::Command2_Click(Fields(), ctx_.store);
+  kestrum::frmsum::Command2_Click(fields_.Read(), ctx_.store);
   accept();
 }
 

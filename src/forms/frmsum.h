@@ -4,9 +4,6 @@
 #include "bufferops/SumDialog.h"
 #include "forms/FormSupport.h"
 
-class QLineEdit;
-class QPushButton;
-
 namespace kestrum::forms {
 
 // Buffer SUM: a range and its three sums. Calculate can run any number of
@@ -23,16 +20,9 @@ class frmsum : public QDialog {
  private:
   void Command1_Click();
   void Command2_Click();
-  SumFields Fields() const;
-  void ShowFields(const SumFields& f);
 
   AppContext& ctx_;
-  QLineEdit* Text6_ = nullptr;
-  QLineEdit* Text7_ = nullptr;
-  QLineEdit* Text1_ = nullptr;
-  QLineEdit* Text2_ = nullptr;
-  QLineEdit* Text3_ = nullptr;
-  QPushButton* Command1_ = nullptr;
+  FieldWidgets<SumFields> fields_;
   QPushButton* Command2_ = nullptr;
 };
 

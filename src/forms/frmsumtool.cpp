@@ -45,27 +45,27 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   setCentralWidget(client);
 
   auto* frame1 = MakeFrame(client, "Frame1", QStringLiteral("File Operation"), Twips(255, 210, 2685, 2070));
-  cmdload_ =
+  auto* cmdload =
       MakeChild<QPushButton>(frame1, "cmdload", Twips(240, 270, 2160, 420), QStringLiteral("File Load"));
-  cmdsave_ =
+  auto* cmdsave =
       MakeChild<QPushButton>(frame1, "cmdsave", Twips(240, 690, 2160, 420), QStringLiteral("File Save"));
   MakeLabel(frame1, "Label8", QStringLiteral("Current File (Func F4)"), 630, 1275, 1515, 195);
-  Text1_ = MakeChild<QLineEdit>(frame1, "Text1", Twips(255, 1530, 2160, 360));
-  Text1_->setEnabled(false);
-  QPalette cyan = Text1_->palette();
+  auto* Text1 = MakeChild<QLineEdit>(frame1, "Text1", Twips(255, 1530, 2160, 360));
+  Text1->setEnabled(false);
+  QPalette cyan = Text1->palette();
   for (auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
     cyan.setColor(group, QPalette::Base, Qt::cyan);
     cyan.setColor(group, QPalette::Text, Qt::black);
   }
-  Text1_->setPalette(cyan);
-  ShowNameWhole(Text1_);
+  Text1->setPalette(cyan);
+  ShowNameWhole(Text1);
 
   auto* frame2 = MakeFrame(client, "Frame2", QStringLiteral("Buffer Operation"), Twips(3075, 210, 4890, 960));
-  cmdbufclear_ = MakeChild<QPushButton>(frame2, "cmdbufclear", Twips(255, 300, 1125, 450),
-                                        QStringLiteral("Buffer Clear"));
-  cmdblstore_ = MakeChild<QPushButton>(frame2, "cmdblstore", Twips(1815, 300, 1125, 450),
-                                       QStringLiteral("Block Store"));
-  cmdbufsum_ =
+  auto* cmdbufclear = MakeChild<QPushButton>(frame2, "cmdbufclear", Twips(255, 300, 1125, 450),
+                                             QStringLiteral("Buffer Clear"));
+  auto* cmdblstore = MakeChild<QPushButton>(frame2, "cmdblstore", Twips(1815, 300, 1125, 450),
+                                            QStringLiteral("Block Store"));
+  auto* cmdbufsum =
       MakeChild<QPushButton>(frame2, "cmdbufsum", Twips(3360, 300, 1125, 450), QStringLiteral("Buffer SUM"));
 
   auto* frame3 = MakeFrame(client, "Frame3", QStringLiteral("Buffer Dump"), Twips(3060, 1170, 4905, 2445));
@@ -76,21 +76,21 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
   HookKeyFilter(txteditaddr_, FilterAddressKey);
   QFont stepFont = font();
   stepFont.setPointSizeF(13.5);
-  cmdeditplus_ =
+  auto* cmdeditplus =
       MakeChild<QPushButton>(frame3, "cmdeditplus", Twips(3465, 255, 465, 465), QStringLiteral("+"));
-  cmdeditminus_ =
+  auto* cmdeditminus =
       MakeChild<QPushButton>(frame3, "cmdeditminus", Twips(3930, 255, 465, 465), QStringLiteral("-"));
-  cmdeditplus_->setFont(stepFont);
-  cmdeditminus_->setFont(stepFont);
+  cmdeditplus->setFont(stepFont);
+  cmdeditminus->setFont(stepFont);
   List1_ = MakeChild<QListWidget>(frame3, "List1", Twips(75, 780, 4755, 1530));
   List1_->setFont(MonoFont());
   List1_->setSelectionMode(QAbstractItemView::SingleSelection);
 
   auto* frame4 =
       MakeFrame(client, "Frame4", QStringLiteral("Buffer Area (Func D6)"), Twips(255, 2460, 2685, 1155));
-  txtbuffaddr_ = MakeAddressBox(frame4, "txtbuffaddr", Twips(1320, 300, 975, 330));
-  txtbufladdr_ = MakeAddressBox(frame4, "txtbufladdr", Twips(1320, 660, 975, 330));
-  for (auto* box : {txtbuffaddr_, txtbufladdr_}) {
+  auto* txtbuffaddr = MakeAddressBox(frame4, "txtbuffaddr", Twips(1320, 300, 975, 330));
+  auto* txtbufladdr = MakeAddressBox(frame4, "txtbufladdr", Twips(1320, 660, 975, 330));
+  for (auto* box : {txtbuffaddr, txtbufladdr}) {
     box->setEnabled(false);
     box->setMaxLength(8);
   }
@@ -99,15 +99,14 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
 
   // Enter presses the focused button, as Space does.
   for (auto* button : client->findChildren<QPushButton*>()) button->setAutoDefault(true);
-  cmdload_->setToolTip(QStringLiteral("File Load (Alt+F, Load)"));
-  cmdsave_->setToolTip(QStringLiteral("File Save (Alt+F, Save)"));
+  cmdload->setToolTip(QStringLiteral("File Load (Alt+F, Load)"));
+  cmdsave->setToolTip(QStringLiteral("File Save (Alt+F, Save)"));
   FitCaptions(client);
 
   // Focus follows the design's tab index.
-  QWidget* order[] = {cmdload_, cmdsave_,     cmdbufclear_, cmdblstore_,   cmdbufsum_,
-                      cmdedit,  txteditaddr_, cmdeditplus_, cmdeditminus_, List1_};
-  for (std::size_t i = 0; i + 1 < std::size(order); ++i) setTabOrder(order[i], order[i + 1]);
-  cmdload_->setFocus();
+  SetTabOrder({cmdload, cmdsave, cmdbufclear, cmdblstore, cmdbufsum, cmdedit, txteditaddr_, cmdeditplus,
+               cmdeditminus, List1_});
+  cmdload->setFocus();
   setAcceptDrops(true);
 
   auto* mnufile = menuBar()->addMenu(QStringLiteral("File(&F)"));
@@ -129,28 +128,39 @@ frmsumtool::frmsumtool(AppContext& ctx, QWidget* parent) : QMainWindow(parent), 
 
   auto load = [this] { Run([this](Platform&) { ShowFrmLoad(ctx_, this); }); };
   auto save = [this] { Run([this](Platform&) { ShowFrmSave(ctx_, this); }); };
-  connect(cmdload_, &QPushButton::clicked, this, load);
+  connect(cmdload, &QPushButton::clicked, this, load);
   connect(mnuload, &QAction::triggered, this, load);
-  connect(cmdsave_, &QPushButton::clicked, this, save);
+  connect(cmdsave, &QPushButton::clicked, this, save);
   connect(mnusave, &QAction::triggered, this, save);
-  connect(cmdblstore_, &QPushButton::clicked, this,
+  connect(cmdblstore, &QPushButton::clicked, this,
           [this] { Run([this](Platform&) { ShowFrmStore(ctx_, this); }); });
-  connect(cmdbufsum_, &QPushButton::clicked, this,
+  connect(cmdbufsum, &QPushButton::clicked, this,
           [this] { Run([this](Platform&) { ShowFrmSum(ctx_, this); }); });
-  connect(cmdbufclear_, &QPushButton::clicked, this,
-          [this] { Run([this](Platform& p) { cmdbufclear_Click(ctx_.m, p); }); });
-  connect(cmdedit, &QPushButton::clicked, this,
-          [this] { Run([this](Platform& p) { cmdedit_Click(ctx_.m, p); }); });
-  connect(cmdeditplus_, &QPushButton::clicked, this,
-          [this] { Run([this](Platform& p) { cmdeditplus_Click(ctx_.m, p); }); });
-  connect(cmdeditminus_, &QPushButton::clicked, this,
-          [this] { Run([this](Platform& p) { cmdeditminus_Click(ctx_.m, p); }); });
+  namespace handlers = kestrum::frmsumtool;
+  using Handler = void (*)(Module1&, Platform&);
+  const std::pair<QPushButton*, Handler> buttons[] = {{cmdbufclear, handlers::cmdbufclear_Click},
+                                                      {cmdedit, handlers::cmdedit_Click},
+                                                      {cmdeditplus, handlers::cmdeditplus_Click},
+                                                      {cmdeditminus, handlers::cmdeditminus_Click}};
+  for (const auto& [button, handler] : buttons)
+    connect(button, &QPushButton::clicked, this,
+            [this, handler] { Run([&](Platform& p) { handler(ctx_.m, p); }); });
   connect(mnubufaddr, &QAction::triggered, this,
           [this] { Run([this](Platform&) { ShowFrmBufAddr(ctx_, this); }); });
   connect(mnuversion, &QAction::triggered, this, [this] { ShowFrmVersion(this); });
   connect(mnuexit, &QAction::triggered, this, &frmsumtool::Exit);
 
-  started_ = Form_Load(ctx_.m, ctx_.store);
+  fields_ = {{{&SumToolFields::txtbuffaddr, txtbuffaddr},
+              {&SumToolFields::txtbufladdr, txtbufladdr},
+              {&SumToolFields::Text1, Text1}},
+             {{&SumToolFields::cmdeditplusEnabled, cmdeditplus},
+              {&SumToolFields::cmdeditminusEnabled, cmdeditminus},
+              {&SumToolFields::cmdloadEnabled, cmdload},
+              {&SumToolFields::cmdsaveEnabled, cmdsave},
+              {&SumToolFields::cmdbufclearEnabled, cmdbufclear},
+              {&SumToolFields::cmdblstoreEnabled, cmdblstore},
+              {&SumToolFields::cmdbufsumEnabled, cmdbufsum}}};
+  started_ = handlers::Form_Load(ctx_.m, ctx_.store);
   ShowFields();
   // The menu bar stands above the client area.
   setFixedSize(sizeHint());
@@ -167,19 +177,11 @@ void frmsumtool::Run(F&& handler) {
 
 void frmsumtool::ShowFields() {
   const SumToolFields& w = ctx_.m.frmsumtool;
-  txtbuffaddr_->setText(Q(w.txtbuffaddr));
-  txtbufladdr_->setText(Q(w.txtbufladdr));
+  fields_.Show(w);
+  // Set only when it differs, so that what the user is typing keeps its cursor.
   if (txteditaddr_->text() != Q(w.txteditaddr)) txteditaddr_->setText(Q(w.txteditaddr));
-  Text1_->setText(Q(w.Text1));
   List1_->clear();
   for (const auto& row : w.List1) List1_->addItem(Q(row));
-  cmdeditplus_->setEnabled(w.cmdeditplusEnabled);
-  cmdeditminus_->setEnabled(w.cmdeditminusEnabled);
-  cmdload_->setEnabled(w.cmdloadEnabled);
-  cmdsave_->setEnabled(w.cmdsaveEnabled);
-  cmdbufclear_->setEnabled(w.cmdbufclearEnabled);
-  cmdblstore_->setEnabled(w.cmdblstoreEnabled);
-  cmdbufsum_->setEnabled(w.cmdbufsumEnabled);
 }
 
 void frmsumtool::Exit() {

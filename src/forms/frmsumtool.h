@@ -3,9 +3,7 @@
 
 #include "forms/FormSupport.h"
 
-class QLineEdit;
 class QListWidget;
-class QPushButton;
 
 namespace kestrum::forms {
 
@@ -40,18 +38,9 @@ class frmsumtool : public QMainWindow {
   AppContext& ctx_;
   bool exited_ = false;
   bool started_ = false;
-  QLineEdit* txtbuffaddr_ = nullptr;
-  QLineEdit* txtbufladdr_ = nullptr;
+  FieldWidgets<SumToolFields> fields_;  // the area, the current file and the buttons
   QLineEdit* txteditaddr_ = nullptr;
-  QLineEdit* Text1_ = nullptr;
   QListWidget* List1_ = nullptr;
-  QPushButton* cmdload_ = nullptr;
-  QPushButton* cmdsave_ = nullptr;
-  QPushButton* cmdbufclear_ = nullptr;
-  QPushButton* cmdblstore_ = nullptr;
-  QPushButton* cmdbufsum_ = nullptr;
-  QPushButton* cmdeditplus_ = nullptr;
-  QPushButton* cmdeditminus_ = nullptr;
 };
 
 }  // namespace kestrum::forms

@@ -1,5 +1,6 @@
 #include "image/Module1.h"
 
+#include <cstring>
 #include <new>
 
 #include "image/Memory.h"
@@ -23,6 +24,28 @@ SizeResult SizeBuffer(Module1& m, Address first, Address last) {
   m.BufFirst = first;
   m.BufLast = last;
   m.BufSize = size;
+  return SizeResult::Ok;
+}
+
+void ResetDump(SumToolFields& w) {
+  w.List1.clear();
+  w.cmdeditplusEnabled = false;
+  w.cmdeditminusEnabled = false;
+}
+
+void ClearBuffer(Module1& m) {
+  m.frmsumtool.Text1.clear();
+  if (m.BufSize > 0) std::memset(m.Buffer.data(), 0xFF, static_cast<std::size_t>(m.BufSize));
+  ResetDump(m.frmsumtool);
+}
+
+SizeResult ResetArea(Module1& m, const std::string& firstText, const std::string& lastText) {
+  const SizeResult sized = SizeBuffer(m, AddressFromText(firstText), AddressFromText(lastText));
+  if (sized != SizeResult::Ok) return sized;
+  ClearBuffer(m);
+  m.frmsumtool.txtbuffaddr = firstText;
+  m.frmsumtool.txtbufladdr = lastText;
+  m.frmsumtool.txteditaddr = firstText;
   return SizeResult::Ok;
 }
 

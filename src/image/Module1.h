@@ -63,4 +63,17 @@ constexpr Address kMaxBufSize = 2147483647;
 // stays as it was.
 SizeResult SizeBuffer(Module1& m, Address first, Address last);
 
+// Empties the dump and disables its step buttons: what every operation that
+// changes the image does to the main window.
+void ResetDump(SumToolFields& w);
+
+// Buffer Clear's work: no current file, no dump, every byte of the area FF.
+void ClearBuffer(Module1& m);
+
+// A new area, as start-up, the area dialog and the command line make it:
+// the texts read as addresses (unpadded, as they stand), the image sized
+// and cleared, and the main window showing firstText..lastText as the area
+// and firstText as the dump's address. On failure everything stays as it was.
+SizeResult ResetArea(Module1& m, const std::string& firstText, const std::string& lastText);
+
 }  // namespace kestrum

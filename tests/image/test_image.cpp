@@ -225,7 +225,7 @@ TEST(FormLoad, TakesTheStoredAreaOrFallsBackSilentlyAndExitStoresTheFields) {
     if (*c.storedLast) store.Write(kAddress, "BufLast", c.storedLast);
     Module1 m;
     m.FileError = -1;
-    ASSERT_TRUE(Form_Load(m, store));
+    ASSERT_TRUE(frmsumtool::Form_Load(m, store));
     EXPECT_EQ(m.frmsumtool.txtbuffaddr + " " + m.frmsumtool.txtbufladdr + " " + m.frmsumtool.txteditaddr,
               std::string(c.shownFirst) + " " + c.shownLast + " " + c.shownFirst);
     EXPECT_EQ(std::tie(m.BufFirst, m.BufLast, m.FileError), std::tuple(c.bufFirst, c.bufLast, 0));
@@ -274,7 +274,7 @@ TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
     SumToolFields expected = m.frmsumtool;
     test::ScriptedPlatform platform;
     platform.answers = {answer};
-    cmdbufclear_Click(m, platform);
+    frmsumtool::cmdbufclear_Click(m, platform);
     std::vector<test::Message> messages{{"Buffer Clear OK?", vbQuestionYesNo, "BufferClear"}};
     if (answer == vbYes) {
       messages.push_back({"Buffer Clear Complete!", vbOKOnly, ""});

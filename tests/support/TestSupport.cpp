@@ -1,6 +1,5 @@
 #include "TestSupport.h"
 
-#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -53,11 +52,8 @@ std::string ReadFile(const std::filesystem::path& path) {
 
 Module1 MakeImage(Address first, Address last) {
   Module1 m;
-  if (SizeBuffer(m, first, last) != SizeResult::Ok) throw std::runtime_error("no image");
-  std::memset(m.Buffer.data(), 0xFF, static_cast<std::size_t>(m.BufSize));
-  m.frmsumtool.txtbuffaddr = AddressToText(first);
-  m.frmsumtool.txtbufladdr = AddressToText(last);
-  m.frmsumtool.txteditaddr = m.frmsumtool.txtbuffaddr;
+  if (ResetArea(m, AddressToText(first), AddressToText(last)) != SizeResult::Ok)
+    throw std::runtime_error("no image");
   return m;
 }
 
