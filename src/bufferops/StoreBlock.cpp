@@ -54,9 +54,9 @@ Outcome ReadStoreFields(StoreFields& f, const Module1& m, BlockStoreRequest& req
 
 void frmsumtool::cmdblstore_Click(StoreFields& f, const Module1& m, SettingsStore& store) {
   f = StoreFields{};
-  f.Text1 = store.Read(kAddress, "storefaddr", m.frmsumtool.txtbuffaddr);
-  f.Text2 = store.Read(kAddress, "storeladdr", m.frmsumtool.txtbufladdr);
-  f.Text3 = store.Read(kAddress, "storedata", "00");
+  f.Text1 = store.Read(settings::storefaddr, m.frmsumtool.txtbuffaddr);
+  f.Text2 = store.Read(settings::storeladdr, m.frmsumtool.txtbufladdr);
+  f.Text3 = store.Read(settings::storedata, "00");
 }
 
 bool frmstore::Command2_Click(StoreFields& f, Module1& m, Platform& platform, SettingsStore& store) {
@@ -67,9 +67,9 @@ bool frmstore::Command2_Click(StoreFields& f, Module1& m, Platform& platform, Se
        }).IsDone())
     return false;
   ResetDump(m.frmsumtool);
-  store.Write(kAddress, "storefaddr", f.Text1);
-  store.Write(kAddress, "storeladdr", f.Text2);
-  store.Write(kAddress, "storedata", f.Text3);
+  store.Write(settings::storefaddr, f.Text1);
+  store.Write(settings::storeladdr, f.Text2);
+  store.Write(settings::storedata, f.Text3);
   return true;
 }
 

@@ -26,8 +26,8 @@ Outcome ReadSumFields(SumFields& f, Module1& m) {
 
 void frmsumtool::cmdbufsum_Click(SumFields& f, const Module1& m, SettingsStore& store) {
   f = SumFields{};
-  f.Text6 = store.Read(kAddress, "SUMfaddr", m.frmsumtool.txtbuffaddr);
-  f.Text7 = store.Read(kAddress, "SUMladdr", m.frmsumtool.txtbufladdr);
+  f.Text6 = store.Read(settings::SUMfaddr, m.frmsumtool.txtbuffaddr);
+  f.Text7 = store.Read(settings::SUMladdr, m.frmsumtool.txtbufladdr);
 }
 
 bool frmsum::Command1_Click(SumFields& f, Module1& m, Platform& platform) {
@@ -42,8 +42,8 @@ bool frmsum::Command1_Click(SumFields& f, Module1& m, Platform& platform) {
 }
 
 void frmsum::Command2_Click(const SumFields& f, SettingsStore& store) {
-  store.Write(kAddress, "SUMfaddr", f.Text6);
-  store.Write(kAddress, "SUMladdr", f.Text7);
+  store.Write(settings::SUMfaddr, f.Text6);
+  store.Write(settings::SUMladdr, f.Text7);
 }
 
 }  // namespace kestrum
