@@ -105,12 +105,13 @@ bool Command5_Click(SaveFields& f, Module1& m, Platform& platform, SettingsStore
     platform.SetMousePointer(vbHourglass);
   }
 
-  const std::vector<Outcome> outcomes = WriteSave(m, names, *r.format, *r.sum);
+  // A file that fails says why at once, before the next file is written.
+  const std::vector<Outcome> outcomes = WriteSave(m, names, *r.format, *r.sum, [&](const Outcome& o) {
+    if (!o.IsDone()) platform.MsgBox(o.words, vbOKOnly);
+  });
   const bool written =
       std::all_of(outcomes.begin(), outcomes.end(), [](const Outcome& o) { return o.IsDone(); });
   m.FileError = written ? 0 : -1;
-  for (const Outcome& o : outcomes)
-    if (!o.IsDone()) platform.MsgBox(o.words, vbOKOnly);
   if (written) platform.MsgBox(names.notice, vbOKOnly);
   busy.End();
   if (m.FileError == -1) {

@@ -145,14 +145,17 @@ SaveNames NameSave(const std::string& dir, const std::string& name, ObjectFormat
   return n;
 }
 
-std::vector<Outcome> WriteSave(Module1& m, const SaveNames& names, ObjectFormat format, SumKind sum) {
+std::vector<Outcome> WriteSave(Module1& m, const SaveNames& names, ObjectFormat format, SumKind sum,
+                               const std::function<void(const Outcome&)>& written) {
   // A listed BIN file the user agreed to replace is replaced whole; its old
   // content goes only once the new file stands.
   WriteOptions options;
   options.replaceWhole = names.replaceObject;
   std::vector<Outcome> outcomes;
   if (!names.objectPath.empty()) outcomes.push_back(SaveObjectFile(m, format, names.objectPath, options));
+  if (written && !outcomes.empty()) written(outcomes.back());
   if (!names.ysmPath.empty()) outcomes.push_back(SaveYsmFile(m, names.ysmPath, sum));
+  if (written && !names.ysmPath.empty()) written(outcomes.back());
   return outcomes;
 }
 

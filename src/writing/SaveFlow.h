@@ -5,6 +5,7 @@
 // makes the names and prompts without touching the disk, and WriteSave runs
 // the writers. The handlers of frmsave only turn fields into requests and
 // show what comes back.
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -90,8 +91,10 @@ SaveNames NameSave(const std::string& dir, const std::string& name, ObjectFormat
 
 // Writes the files of names, the object file first; a pair's YSM file is
 // written whatever became of the object file. The outcome of each file, in
-// the order written.
-std::vector<Outcome> WriteSave(Module1& m, const SaveNames& names, ObjectFormat format, SumKind sum);
+// the order written; written, when given, is told each as soon as its file
+// is done with, before the next is begun.
+std::vector<Outcome> WriteSave(Module1& m, const SaveNames& names, ObjectFormat format, SumKind sum,
+                               const std::function<void(const Outcome&)>& written = {});
 
 namespace frmsave {
 
