@@ -24,63 +24,56 @@ namespace kestrum {
 namespace {
 
 TEST(AddressText, ReadsTwoGroupsOfFourAndWritesEightDigits) {
-  // canonical: AddressToText gives the text back.
   const struct {
     const char* text;
     Address value;
-    bool canonical;
+    const char* written = nullptr;  // by AddressToText, when not the text itself
   } cases[] = {
-      {"00000000", 0, true},
-      {"0007FFFF", 524287, true},
-      {"0000FFFF", 65535, true},  // unsigned, never -1
-      {"00010000", 65536, true},
-      {"7FFFFFFF", 0x7FFFFFFF, true},
-      {"80000000", 0x80000000, true},
-      {"FFFFFFFF", 4294967295, true},
-      {"ffff0000", 4294901760, false},   // lower case counts
-      {"12", 0x00120012, false},         // short text: both groups are the text
-      {"12345", 0x12342345, false},      // the groups overlap
-      {"123456789", 0x12346789, false},  // the middle character is not read
-      {"12.40000", 0x00120000, false},   // a point ends its group
-      {"1%2", 0x00010001, false},        // so does a per cent sign
-      {"G1234567", 0x4567, false},       // a group that starts badly is 0
-      {"", 0, false},
+      {.text = "00000000", .value = 0},
+      {.text = "0007FFFF", .value = 524287},
+      {.text = "0000FFFF", .value = 65535},  // unsigned, never -1
+      {.text = "00010000", .value = 65536},
+      {.text = "7FFFFFFF", .value = 0x7FFFFFFF},
+      {.text = "80000000", .value = 0x80000000},
+      {.text = "FFFFFFFF", .value = 4294967295},
+      {.text = "ffff0000", .value = 4294901760, .written = "FFFF0000"},  // lower case counts
+      {.text = "12", .value = 0x00120012, .written = "00120012"},     // short text: both groups are the text
+      {.text = "12345", .value = 0x12342345, .written = "12342345"},  // the groups overlap
+      {.text = "123456789", .value = 0x12346789, .written = "12346789"},  // the middle character is not read
+      {.text = "12.40000", .value = 0x00120000, .written = "00120000"},   // a point ends its group
+      {.text = "1%2", .value = 0x00010001, .written = "00010001"},        // so does a per cent sign
+      {.text = "G1234567", .value = 0x4567, .written = "00004567"},       // a group that starts badly is 0
+      {.text = "", .value = 0, .written = "00000000"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(AddressFromText(c.text), c.value) << c.text;
-    EXPECT_EQ(c.canonical ? AddressToText(c.value) : c.text, c.text);
+    EXPECT_EQ(AddressToText(c.value), c.written ? c.written : c.text);
   }
+  const std::pair<const char*, const char*> pads[] = {
+      {"1", "00000001"}, {"123456789", "23456789"}, {"", "0000000"}, {"7FFFF", "0007FFFF"}};
+  for (const auto& [in, out] : pads) EXPECT_EQ(PadAddressText(in), out) << in;
+  for (const auto& [value, text] : {std::pair{10, "0A"}, {255, "FF"}, {0, "00"}})
+    EXPECT_EQ(HexByteText(value), text);
 }
 
 TEST(Paths, JoinedWithOneSeparatorAndReadAsUtf8) {
-  // The joined name on Windows, and elsewhere.
   const struct {
-    const char *folder, *name, *windows, *posix;
+    const char *folder, *windows, *posix;  // a.hex joined to folder on Windows, and elsewhere
   } cases[] = {
-      {"", "a.hex", "a.hex", "a.hex"},
-      {"fw", "a.hex", "fw\\a.hex", "fw/a.hex"},
-      {"/", "a.hex", "/a.hex", "/a.hex"},
-      {"C:\\", "a.hex", "C:\\a.hex", "C:\\/a.hex"},  // a root
-      {"C:", "a.hex", "C:a.hex", "C:/a.hex"},        // the drive's current folder
-      {"\\\\server\\share", "a.hex", "\\\\server\\share\\a.hex", "\\\\server\\share/a.hex"},
+      {"", "a.hex", "a.hex"},
+      {"fw", "fw\\a.hex", "fw/a.hex"},
+      {"/", "/a.hex", "/a.hex"},
+      {"C:\\", "C:\\a.hex", "C:\\/a.hex"},  // a root
+      {"C:", "C:a.hex", "C:/a.hex"},        // the drive's current folder
+      {"\\\\server\\share", "\\\\server\\share\\a.hex", "\\\\server\\share/a.hex"},
   };
-  for (const auto& c : cases) EXPECT_EQ(JoinPath(c.folder, c.name), test::kWindows ? c.windows : c.posix);
+  for (const auto& c : cases) EXPECT_EQ(JoinPath(c.folder, "a.hex"), test::kWindows ? c.windows : c.posix);
   const std::string name =
       "fw/gr\xC3\xBC\xC3\x9F"
       "e.hex";
   EXPECT_EQ(PathOf(name), std::filesystem::path(u8"fw/grüße.hex"));
   EXPECT_EQ(NameOf(PathOf(name)), name);
-  EXPECT_EQ(NameOf(PathOf(name).filename()),
-            "gr\xC3\xBC\xC3\x9F"
-            "e.hex");
-}
-
-TEST(AddressText, PadsToEightAndWritesBytesAsTwoDigits) {
-  const std::pair<const char*, const char*> pads[] = {
-      {"1", "00000001"}, {"123456789", "23456789"}, {"", "0000000"}, {"7FFFF", "0007FFFF"}};
-  for (const auto& [in, out] : pads) EXPECT_EQ(PadAddressText(in), out) << in;
-  const std::pair<int, const char*> bytes[] = {{10, "0A"}, {255, "FF"}, {0, "00"}};
-  for (const auto& [value, text] : bytes) EXPECT_EQ(HexByteText(value), text);
+  EXPECT_EQ(NameOf(PathOf(name).filename()), name.substr(3));
 }
 
 TEST(HexEncode, EveryEncoderWritesTheDigitsAndSumOfEachLength) {
@@ -179,21 +172,22 @@ TEST(SizeBuffer, OneSpareElementOrEverythingAsItWas) {
   const struct {
     Address first, last;
     SizeResult result;
-    Address size;
+    Address size;  // BufSize afterwards
   } cases[] = {
-      // size: BufSize afterwards
-      {0x1000, 0x1000, SizeResult::Ok, 1},
-      {0x11, 0x10, SizeResult::Ok, 0},                          // an empty area is allowed
-      {0, kLargePage - 2, SizeResult::Ok, kLargePage - 1},      // one large page, spare element included
-      {0, 3 * kLargePage, SizeResult::Ok, 3 * kLargePage + 1},  // a part page at the end
-      {0x10, 0x0, SizeResult::NegativeSize, 0x100},
-      {0x0, 0xFFFFFFFF, SizeResult::TooLarge, 0x100},
-      {0x0, kMaxBufSize, SizeResult::TooLarge, 0x100},
+      {.first = 0x1000, .last = 0x1000, .result = SizeResult::Ok, .size = 1},
+      {.first = 0x11, .last = 0x10, .result = SizeResult::Ok, .size = 0},  // an empty area is allowed
+      // One large page, spare element included; a part page at the end.
+      {.first = 0, .last = kLargePage - 2, .result = SizeResult::Ok, .size = kLargePage - 1},
+      {.first = 0, .last = 3 * kLargePage, .result = SizeResult::Ok, .size = 3 * kLargePage + 1},
+      {.first = 0x10, .last = 0x0, .result = SizeResult::NegativeSize, .size = 0x100},
+      {.first = 0x0, .last = 0xFFFFFFFF, .result = SizeResult::TooLarge, .size = 0x100},
+      {.first = 0x0, .last = kMaxBufSize, .result = SizeResult::TooLarge, .size = 0x100},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(AddressToText(c.first) + ".." + AddressToText(c.last));
     Module1 m = test::MakeImage(0x100, 0x1FF);
     m.Buffer[5] = 0x42;
-    EXPECT_EQ(SizeBuffer(m, c.first, c.last), c.result) << c.first << ".." << c.last;
+    EXPECT_EQ(SizeBuffer(m, c.first, c.last), c.result);
     EXPECT_EQ(m.BufSize, c.size);
     ASSERT_EQ(m.Buffer.size(), static_cast<std::size_t>(c.size + 1));
     if (c.result == SizeResult::Ok) {
@@ -206,55 +200,63 @@ TEST(SizeBuffer, OneSpareElementOrEverythingAsItWas) {
 }
 
 TEST(FormLoad, TakesTheStoredAreaOrFallsBackSilentlyAndExitStoresTheFields) {
+  // An area that can't be read or made falls back to 00000000..0007FFFF.
   const struct {
-    const char *storedFirst, *storedLast, *shownFirst, *shownLast;
-    Address bufFirst, bufLast;
+    const char *first, *last;  // as stored; empty when not
+    bool fallsBack = false;
+    Address bufFirst = 0, bufLast = 0x7FFFF;
   } cases[] = {
-      {"", "", "00000000", "0007FFFF", 0, 0x7FFFF},  // empty store
-      {"00001000", "00001FFF", "00001000", "00001FFF", 0x1000, 0x1FFF},
-      {"00000010", "00000000", "00000000", "0007FFFF", 0, 0x7FFFF},  // last below first - 1
-      {"00000000", "FFFFFFFF", "00000000", "0007FFFF", 0, 0x7FFFF},  // more than 2147483647 bytes
-      {"00000000", "12", "00000000", "12", 0, 0x00120012},           // read unpadded
-      {"zz", "00000010", "zz", "00000010", 0, 0x10},
-      {"00000011", "00000010", "00000011", "00000010", 0x11, 0x10},  // empty area
+      {.first = "", .last = "", .fallsBack = true},
+      {.first = "00001000", .last = "00001FFF", .bufFirst = 0x1000, .bufLast = 0x1FFF},
+      {.first = "00000010", .last = "00000000", .fallsBack = true},  // last below first - 1
+      {.first = "00000000", .last = "FFFFFFFF", .fallsBack = true},  // more than 2147483647 bytes
+      {.first = "00000000", .last = "12", .bufLast = 0x00120012},    // read unpadded
+      {.first = "zz", .last = "00000010", .bufLast = 0x10},
+      {.first = "00000011", .last = "00000010", .bufFirst = 0x11, .bufLast = 0x10},  // empty area
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.storedFirst) + ".." + c.storedLast);
+    SCOPED_TRACE(std::string(c.first) + ".." + c.last);
     MemorySettings store;
-    if (*c.storedFirst) store.Write(kAddress, "BufFirst", c.storedFirst);
-    if (*c.storedLast) store.Write(kAddress, "BufLast", c.storedLast);
+    if (*c.first) store.Write(kAddress, "BufFirst", c.first);
+    if (*c.last) store.Write(kAddress, "BufLast", c.last);
     Module1 m;
     m.FileError = -1;
     ASSERT_TRUE(frmsumtool::Form_Load(m, store));
-    EXPECT_EQ(m.frmsumtool.txtbuffaddr + " " + m.frmsumtool.txtbufladdr + " " + m.frmsumtool.txteditaddr,
-              std::string(c.shownFirst) + " " + c.shownLast + " " + c.shownFirst);
-    EXPECT_EQ(std::tie(m.BufFirst, m.BufLast, m.FileError), std::tuple(c.bufFirst, c.bufLast, 0));
+    const std::string shownFirst = c.fallsBack ? "00000000" : c.first;
+    const std::string shownLast = c.fallsBack ? "0007FFFF" : c.last;
+    EXPECT_EQ(m.frmsumtool.txtbuffaddr, shownFirst);
+    EXPECT_EQ(m.frmsumtool.txtbufladdr, shownLast);
+    EXPECT_EQ(m.frmsumtool.txteditaddr, shownFirst);
+    EXPECT_EQ(m.BufFirst, c.bufFirst);
+    EXPECT_EQ(m.BufLast, c.bufLast);
+    EXPECT_EQ(m.FileError, 0);
     EXPECT_EQ(Count(m, 0xFF), m.BufSize) << "FF, but not the spare element";
     MemorySettings after;
     StoreAreaOnExit(m, after);
-    EXPECT_EQ(after.Read(kAddress, "BufFirst", "?"), c.shownFirst);
-    EXPECT_EQ(after.Read(kAddress, "BufLast", "?"), c.shownLast);
+    EXPECT_EQ(after.Read(kAddress, "BufFirst", "?"), shownFirst);
+    EXPECT_EQ(after.Read(kAddress, "BufLast", "?"), shownLast);
   }
 }
 
 TEST(KeyFilters, PassChangeOrSwallow) {
-  // What each filter passes on: address, byte, offset field.
+  // What each filter passes on of a key typed into a field: 0 swallows it.
   const struct {
     const char* field;
     int key, address, byte, offset;
   } cases[] = {
-      {"", 'a', 'A', 'A', 'A'},
-      {"", 'G', 0, 0, 0},
-      {"", 13, 0, 0, 0},
-      {"", 22, 0, 0, 0},  // Enter, Ctrl+V
-      {"", '-', 0, 0, '-'},
-      {"12", '3', '3', 0, '3'},  // the byte field holds two digits
-      {"1234567", '8', '8', 0, '8'},
-      {"12345678", 'c', 0, 0, 'C'},  // a ninth only for an offset
-      {"-12345678", '1', 0, 0, 0},
-      {"12345678", 8, 8, 8, 8},  // Backspace at any length
-      {"123456789", '.', '.', '.', '.'},
-      {"12345678", '\'', '\'', '\'', '\''},
+      {.field = "", .key = 'a', .address = 'A', .byte = 'A', .offset = 'A'},
+      {.field = "", .key = 'G', .address = 0, .byte = 0, .offset = 0},
+      {.field = "", .key = 13, .address = 0, .byte = 0, .offset = 0},  // Enter
+      {.field = "", .key = 22, .address = 0, .byte = 0, .offset = 0},  // Ctrl+V
+      {.field = "", .key = '-', .address = 0, .byte = 0, .offset = '-'},
+      // The byte field holds two digits; only an offset takes a ninth.
+      {.field = "12", .key = '3', .address = '3', .byte = 0, .offset = '3'},
+      {.field = "1234567", .key = '8', .address = '8', .byte = 0, .offset = '8'},
+      {.field = "12345678", .key = 'c', .address = 0, .byte = 0, .offset = 'C'},
+      {.field = "-12345678", .key = '1', .address = 0, .byte = 0, .offset = 0},
+      {.field = "12345678", .key = 8, .address = 8, .byte = 8, .offset = 8},  // Backspace at any length
+      {.field = "123456789", .key = '.', .address = '.', .byte = '.', .offset = '.'},
+      {.field = "12345678", .key = '\'', .address = '\'', .byte = '\'', .offset = '\''},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string("field '") + c.field + "' key " + std::to_string(c.key));
@@ -265,7 +267,8 @@ TEST(KeyFilters, PassChangeOrSwallow) {
 }
 
 TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
-  for (int answer : {vbYes, vbNo}) {
+  for (const bool yes : {true, false}) {
+    SCOPED_TRACE(yes ? "Yes" : "No");
     Module1 m = test::MakeImage(0x1000, 0x10FF);
     m.Buffer[0] = m.Buffer[0xFF] = 0x12;
     m.frmsumtool.Text1 = "a.bin";
@@ -273,10 +276,10 @@ TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
     m.frmsumtool.cmdeditplusEnabled = m.frmsumtool.cmdeditminusEnabled = true;
     SumToolFields expected = m.frmsumtool;
     test::ScriptedPlatform platform;
-    platform.answers = {answer};
+    platform.answers = {yes ? vbYes : vbNo};
     frmsumtool::cmdbufclear_Click(m, platform);
     std::vector<test::Message> messages{{"Buffer Clear OK?", vbQuestionYesNo, "BufferClear"}};
-    if (answer == vbYes) {
+    if (yes) {
       messages.push_back({"Buffer Clear Complete!", vbOKOnly, ""});
       expected.Text1.clear();
       expected.List1.clear();
@@ -284,9 +287,8 @@ TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
     }
     EXPECT_EQ(platform.messages, messages);
     EXPECT_EQ(m.frmsumtool, expected);
-    EXPECT_EQ(platform.pointers,
-              (answer == vbYes ? std::vector<int>{vbHourglass, vbDefault} : std::vector<int>{}));
-    EXPECT_EQ(Count(m, 0xFF), answer == vbYes ? 0x100 : 0xFE) << "FF, but not the spare element";
+    EXPECT_EQ(platform.pointers, (yes ? std::vector<int>{vbHourglass, vbDefault} : std::vector<int>{}));
+    EXPECT_EQ(Count(m, 0xFF), yes ? 0x100 : 0xFE) << "FF, but not the spare element";
   }
 }
 

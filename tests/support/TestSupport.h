@@ -106,12 +106,15 @@ inline constexpr bool kWindows = true;
 inline constexpr bool kWindows = false;
 #endif
 
-// For a case that needs what Windows, or Wine, can't give: says why on
-// standard output and gives true on Windows; false elsewhere.
-inline bool SkipOnWindows(const char* why) {
-  if (kWindows) std::printf("[  SKIPPED ] a case on Windows: %s\n", why);
-  return kWindows;
+// For a case of a table that can't run here: says why on standard output
+// when skip, and gives skip.
+inline bool SkipCase(bool skip, const char* why) {
+  if (skip) std::printf("[  SKIPPED ] a case: %s\n", why);
+  return skip;
 }
+
+// For a case that needs what Windows, or Wine, can't give.
+inline bool SkipOnWindows(const char* why) { return SkipCase(kWindows, why); }
 
 // Built with the sanitizers: huge files and address space limits don't mix with them.
 inline constexpr bool kSanitized = KESTRUM_SANITIZED;

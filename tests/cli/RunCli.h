@@ -1,0 +1,31 @@
+#pragma once
+// Runs the built command line on a call as typed.
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "TestSupport.h"
+
+namespace kestrum::test {
+
+inline RunResult RunCli(std::vector<std::string> args, const std::filesystem::path& dir = {},
+                        const RunOptions& options = {}) {
+  args.insert(args.begin(), KESTRUM_CLI);
+  return RunProgram(args, dir, options);
+}
+
+// The words of a call as typed, split at spaces.
+inline std::vector<std::string> Words(const std::string& call) {
+  std::istringstream in(call);
+  std::vector<std::string> words;
+  for (std::string word; in >> word;) words.push_back(word);
+  return words;
+}
+
+// The number of entries in a folder.
+inline long Entries(const std::filesystem::path& dir) {
+  return std::distance(std::filesystem::directory_iterator(dir), {});
+}
+
+}  // namespace kestrum::test
