@@ -1,7 +1,7 @@
 #include "bufferops/Dump.h"
 
 #include "image/DialogSupport.h"
-#include "image/HexCodec.h"
+#include "image/RecordCodec.h"
 
 namespace kestrum {
 

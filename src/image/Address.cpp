@@ -5,8 +5,6 @@
 namespace kestrum {
 
 namespace {
-constexpr char kDigits[] = "0123456789ABCDEF";
-
 std::string LastChars(std::string text, std::size_t n) {
   return text.size() <= n ? text : text.substr(text.size() - n);
 }
@@ -17,7 +15,7 @@ std::string PlainHex(std::uint64_t value) {
   int pos = 16;
   out[pos] = '\0';
   do {
-    out[--pos] = kDigits[value & 0xF];
+    out[--pos] = kHexDigits[value & 0xF];
     value >>= 4;
   } while (value != 0);
   return std::string(out + pos);
@@ -51,12 +49,15 @@ std::string AddressToText(Address value) {
 }
 
 std::string HexByteText(int value) {
-  return LastChars("0" + PlainHex(static_cast<std::uint64_t>(static_cast<unsigned>(value))), 2);
+  char pair[2];
+  PutHexByte(pair, static_cast<unsigned>(value));
+  return std::string(pair, 2);
 }
 
 std::string HexText(std::uint64_t value, int width) {
   std::string text = PlainHex(value);
-  if (static_cast<int>(text.size()) < width) text.insert(0, width - text.size(), '0');
+  if (static_cast<int>(text.size()) < width)
+    text.insert(0, static_cast<std::size_t>(width) - text.size(), '0');
   return text;
 }
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "image/RecordCodec.h"
+
 namespace kestrum {
 
 // A whole number: an address from 00000000 to FFFFFFFF, a signed offset, a
@@ -14,14 +16,6 @@ using Address = std::int64_t;
 constexpr Address kAddressMax = 0xFFFFFFFF;
 constexpr Address kDefaultFirst = 0x00000000;
 constexpr Address kDefaultLast = 0x0007FFFF;
-
-// Value of a hexadecimal digit, or -1 for any other character.
-constexpr int HexDigitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
 
 // Value of the leading hexadecimal digits of a group of at most 4
 // characters; the first other character ends the group. Empty gives 0.

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "reading/ByteSource.h"
-#include "reading/RecordText.h"
+#include "reading/RecordStore.h"
 
 namespace kestrum {
 

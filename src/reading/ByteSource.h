@@ -54,7 +54,6 @@ class FileSource : public ByteSource {
   // Opens path for reading bytes; on a failure the source is not open and
   // Failure() holds the reason.
   bool Open(const std::string& path);
-  bool IsOpen() const { return file_ != nullptr; }
 
   std::size_t Read(std::uint8_t* dst, std::size_t count) override;
   bool Skip(std::uint64_t count) override;

@@ -15,8 +15,6 @@ constexpr int kData = 0x00;
 constexpr int kExtendedSegment = 0x02;
 constexpr int kExtendedLinear = 0x04;
 
-int ChecksumOf(int sum) { return (256 - (sum & 0xFF)) & 0xFF; }
-
 }  // namespace
 
 RecordStatus HexReader::ReadLine(RecordTarget& target, const Line& line, Address LoadFirst,
@@ -56,7 +54,7 @@ RecordStatus HexReader::DataRecord(RecordTarget& target, std::string_view text, 
       StoreData(target, text.data() + kDataColumn - 1, static_cast<std::size_t>(count), record, clip);
   if (dataSum < 0) return RecordStatus::FormatError;
   const int sum = count + high + low + kData + dataSum;
-  return ChecksumOf(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
+  return HexChecksum(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
 }
 
 RecordStatus HexReader::BaseRecord(std::string_view text, int type, Address scale, int checksum) {
@@ -70,7 +68,7 @@ RecordStatus HexReader::BaseRecord(std::string_view text, int type, Address scal
   const int addressHigh = HexPairAt(text, kAddressColumn), addressLow = HexPairAt(text, kAddressColumn + 2);
   if ((addressHigh | addressLow) < 0) return RecordStatus::FormatError;
   const int sum = count + addressHigh + addressLow + type + high + low;
-  return ChecksumOf(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
+  return HexChecksum(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
 }
 
 }  // namespace kestrum

@@ -4,7 +4,7 @@
 #include "image/Module1.h"
 #include "reading/LineReader.h"
 #include "reading/QuickRecords.h"
-#include "reading/RecordText.h"
+#include "reading/RecordStore.h"
 
 namespace kestrum {
 
@@ -22,15 +22,13 @@ class HexReader {
     return QuickHexRecords(m, text, base_, LoadFirst, LoadLast, ends);
   }
 
-  // What the last extended segment ("02") or linear ("04") record gave;
-  // either kind replaces the other.
-  Address base() const { return base_; }
-
  private:
   RecordStatus DataRecord(RecordTarget& target, std::string_view text, int count, Address LoadFirst,
                           Address LoadLast, int checksum);
   RecordStatus BaseRecord(std::string_view text, int type, Address scale, int checksum);
 
+  // What the last extended segment ("02") or linear ("04") record gave;
+  // either kind replaces the other.
   Address base_ = 0;
 };
 

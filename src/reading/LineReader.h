@@ -37,7 +37,7 @@ class LineReader {
                       ReadingMode mode = ReadingMode::Window);
 
   // The next line; false at the end of the file or on a read failure (then
-  // source().Failed()). The text stays valid until the next call.
+  // the source's Failed()). The text stays valid until the next call.
   bool Next(Line& line);
 
   // The number of the line last given, counted from 1. In tolerant mode
@@ -55,7 +55,6 @@ class LineReader {
     begin_ += chars;
     number_ += lines;
   }
-  ByteSource& source() { return source_; }
 
  private:
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);

@@ -10,7 +10,7 @@
 #include "image/Module1.h"
 #include "image/Outcome.h"
 #include "reading/FileFormat.h"
-#include "reading/RecordText.h"
+#include "reading/RecordStore.h"
 
 namespace kestrum {
 

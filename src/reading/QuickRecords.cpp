@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "reading/RecordText.h"
+#include "image/RecordCodec.h"
 
 #if defined(__x86_64__) || defined(_M_X64)
 #define KESTRUM_X86_64 1
@@ -41,54 +41,58 @@ struct Pairs {
   }
 };
 
-template <typename Code>
-inline __attribute__((always_inline)) QuickRun HexLoop(Module1& m, std::string_view text, Address base,
-                                                       Address LoadFirst, Address LoadLast,
-                                                       QuickLineEnd ends) {
+// Where a record's pairs begin and where its data lie among them: HEX data
+// records ("00"), and S1, S2 and S3 records. PairCount gives the number of
+// pairs of a line this road takes, count to checksum, else -1.
+struct HexRecords {
+  static constexpr std::size_t kPairsAt = 1;
+  static int PairCount(const char* line) {
+    if (line[0] != ':' || line[7] != '0' || line[8] != '0') return -1;
+    const int n = HexPairValue(line + 1);
+    return n < 0 ? -1 : n + 5;
+  }
+  static bool Sound(int sum) { return HexChecksum(sum) == 0; }
+  static int DataAt(const char*) { return 4; }
+  static Address AddressOf(const std::uint8_t* pairs, const char*) { return pairs[1] * 256 + pairs[2]; }
+};
+
+struct SRecords {
+  static constexpr std::size_t kPairsAt = 2;
+  static int PairCount(const char* line) {
+    const int K = line[1] - '0';
+    if (line[0] != 'S' || K < 1 || K > 3) return -1;
+    const int count = HexPairValue(line + 2);
+    return count < 0 ? -1 : count + 1;
+  }
+  static bool Sound(int sum) { return SChecksum(sum) == 0; }
+  static int DataAt(const char* line) { return line[1] - '0' + 2; }
+  static Address AddressOf(const std::uint8_t* pairs, const char* line) {
+    Address address = 0;
+    for (int i = 1; i < DataAt(line); ++i) address = address * 256 + pairs[i];
+    return address;
+  }
+};
+
+// The records of one format from text while the road takes them, their
+// addresses + shift, their digits decoded by Code.
+template <typename Records, typename Code>
+inline __attribute__((always_inline)) QuickRun Loop(Module1& m, std::string_view text, Address shift,
+                                                    Address LoadFirst, Address LoadLast, QuickLineEnd ends) {
   QuickRun run;
-  const Address shift = base + m.LoadOffset;
-  // Count, address, type, data and checksum: all pairs, all summed to 0.
   alignas(32) std::uint8_t pairs[4 + 255 + 1 + 32];
   for (std::size_t at = 0; at + kSlack < text.size();) {
     const char* line = text.data() + at;
-    if (line[0] != ':' || line[7] != '0' || line[8] != '0') break;
-    const int n = HexPairValue(line + 1);
-    if (n < 0) break;
-    const std::size_t length = 11 + 2 * static_cast<std::size_t>(n);
-    if (at + length + kSlack > text.size()) break;
-    const std::size_t end = LineEndAt(line + length, ends);
-    if (end == 0) break;
-    const int sum = Code::Decode(line + 1, static_cast<std::size_t>(n) + 5, pairs);
-    if (sum < 0 || (sum & 0xFF) != 0) break;
-    if (!StoreWhole(m, pairs + 4, n, pairs[1] * 256 + pairs[2] + shift, LoadFirst, LoadLast, run)) break;
-    at += length + end;
-    run.chars = at;
-    ++run.lines;
-  }
-  return run;
-}
-
-template <typename Code>
-inline __attribute__((always_inline)) QuickRun SLoop(Module1& m, std::string_view text, Address LoadFirst,
-                                                     Address LoadLast, QuickLineEnd ends) {
-  QuickRun run;
-  // Count, address, data and checksum: all pairs, all summed to FF.
-  alignas(32) std::uint8_t pairs[256 + 32];
-  for (std::size_t at = 0; at + kSlack < text.size();) {
-    const char* line = text.data() + at;
-    const int K = line[1] - '0';
-    if (line[0] != 'S' || K < 1 || K > 3) break;
-    const int count = HexPairValue(line + 2);
+    const int count = Records::PairCount(line);
     if (count < 0) break;
-    const std::size_t length = 4 + 2 * static_cast<std::size_t>(count);
+    const std::size_t length = Records::kPairsAt + 2 * static_cast<std::size_t>(count);
     if (at + length + kSlack > text.size()) break;
     const std::size_t end = LineEndAt(line + length, ends);
     if (end == 0) break;
-    const int sum = Code::Decode(line + 2, static_cast<std::size_t>(count) + 1, pairs);
-    if (sum < 0 || (sum & 0xFF) != 0xFF) break;
-    Address address = 0;
-    for (int i = 1; i <= K + 1; ++i) address = address * 256 + pairs[i];
-    if (!StoreWhole(m, pairs + K + 2, count - K - 2, address + m.LoadOffset, LoadFirst, LoadLast, run)) break;
+    const int sum = Code::Decode(line + Records::kPairsAt, static_cast<std::size_t>(count), pairs);
+    if (sum < 0 || !Records::Sound(sum)) break;
+    const int data = Records::DataAt(line);
+    const Address record = Records::AddressOf(pairs, line) + shift;
+    if (!StoreWhole(m, pairs + data, count - data - 1, record, LoadFirst, LoadLast, run)) break;
     at += length + end;
     run.chars = at;
     ++run.lines;
@@ -165,14 +169,11 @@ struct Avx2 {
   }
 };
 
-__attribute__((target("avx2"), flatten)) QuickRun HexAvx2(Module1& m, std::string_view text, Address base,
-                                                          Address LoadFirst, Address LoadLast,
-                                                          QuickLineEnd ends) {
-  return HexLoop<Avx2>(m, text, base, LoadFirst, LoadLast, ends);
-}
-__attribute__((target("avx2"), flatten)) QuickRun SAvx2(Module1& m, std::string_view text, Address LoadFirst,
-                                                        Address LoadLast, QuickLineEnd ends) {
-  return SLoop<Avx2>(m, text, LoadFirst, LoadLast, ends);
+template <typename Records>
+__attribute__((target("avx2"), flatten)) QuickRun LoopAvx2(Module1& m, std::string_view text, Address shift,
+                                                           Address LoadFirst, Address LoadLast,
+                                                           QuickLineEnd ends) {
+  return Loop<Records, Avx2>(m, text, shift, LoadFirst, LoadLast, ends);
 }
 
 bool HasAvx2() {
@@ -185,28 +186,29 @@ bool HasAvx2() {
 
 #endif
 
+template <typename Records>
+QuickRun Run(Module1& m, std::string_view text, Address shift, Address LoadFirst, Address LoadLast,
+             QuickLineEnd ends, QuickCode code) {
+  if (code == QuickCode::Pairs) return Loop<Records, Pairs>(m, text, shift, LoadFirst, LoadLast, ends);
+#ifdef KESTRUM_X86_64
+  if (code == QuickCode::Widest && HasAvx2())
+    return LoopAvx2<Records>(m, text, shift, LoadFirst, LoadLast, ends);
+  return Loop<Records, Sse2>(m, text, shift, LoadFirst, LoadLast, ends);
+#else
+  return Loop<Records, Pairs>(m, text, shift, LoadFirst, LoadLast, ends);
+#endif
+}
+
 }  // namespace
 
 QuickRun QuickHexRecords(Module1& m, std::string_view text, Address base, Address LoadFirst, Address LoadLast,
                          QuickLineEnd ends, QuickCode code) {
-  if (code == QuickCode::Pairs) return HexLoop<Pairs>(m, text, base, LoadFirst, LoadLast, ends);
-#ifdef KESTRUM_X86_64
-  if (code == QuickCode::Widest && HasAvx2()) return HexAvx2(m, text, base, LoadFirst, LoadLast, ends);
-  return HexLoop<Sse2>(m, text, base, LoadFirst, LoadLast, ends);
-#else
-  return HexLoop<Pairs>(m, text, base, LoadFirst, LoadLast, ends);
-#endif
+  return Run<HexRecords>(m, text, base + m.LoadOffset, LoadFirst, LoadLast, ends, code);
 }
 
 QuickRun QuickSRecords(Module1& m, std::string_view text, Address LoadFirst, Address LoadLast,
                        QuickLineEnd ends, QuickCode code) {
-  if (code == QuickCode::Pairs) return SLoop<Pairs>(m, text, LoadFirst, LoadLast, ends);
-#ifdef KESTRUM_X86_64
-  if (code == QuickCode::Widest && HasAvx2()) return SAvx2(m, text, LoadFirst, LoadLast, ends);
-  return SLoop<Sse2>(m, text, LoadFirst, LoadLast, ends);
-#else
-  return SLoop<Pairs>(m, text, LoadFirst, LoadLast, ends);
-#endif
+  return Run<SRecords>(m, text, m.LoadOffset, LoadFirst, LoadLast, ends, code);
 }
 
 }  // namespace kestrum

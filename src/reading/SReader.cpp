@@ -96,7 +96,7 @@ RecordStatus LoadSRecord(RecordTarget& target, int K, const Line& line, Address 
   }
   const int checksum = HexPairAt(text, text.size() - 1);
   if (checksum < 0) return RecordStatus::FormatError;
-  return 255 - (sum & 0xFF) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
+  return SChecksum(sum) == checksum ? RecordStatus::Ok : RecordStatus::SumError;
 }
 
 }  // namespace kestrum

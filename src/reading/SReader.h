@@ -3,7 +3,7 @@
 // 32 bits by type, data and checksum.
 #include "image/Module1.h"
 #include "reading/LineReader.h"
-#include "reading/RecordText.h"
+#include "reading/RecordStore.h"
 
 namespace kestrum {
 

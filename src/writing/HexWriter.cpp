@@ -3,8 +3,8 @@
 // the end record.
 #include <cstdint>
 
+#include "image/RecordCodec.h"
 #include "writing/OutputFile.h"
-#include "writing/RecordText.h"
 #include "writing/WriterSupport.h"
 #include "writing/Writers.h"
 
@@ -22,16 +22,16 @@ char* PutBase(char* out, unsigned upper) {
   out += 7;
   unsigned sum;
   if (upper < kSegmentLimit) {
-    out = records::PutByte(out, 0x02);
-    out = records::PutWord(out, upper << 12);
+    out = PutHexByte(out, 0x02);
+    out = PutHexWord(out, upper << 12);
     sum = 2 + 2 + (upper << 4);
   } else {
-    out = records::PutByte(out, 0x04);
-    out = records::PutWord(out, upper);
+    out = PutHexByte(out, 0x04);
+    out = PutHexWord(out, upper);
     sum = 2 + 4 + (upper >> 8) + (upper & 0xFF);
   }
-  out = records::PutByte(out, (256 - (sum & 0xFF)) & 0xFF);
-  return records::PutLineEnd(out);
+  out = PutHexByte(out, HexChecksum(sum));
+  return PutLineEnd(out);
 }
 
 }  // namespace
@@ -46,14 +46,14 @@ Outcome SaveHexFile(Module1& m, const std::string& FileName, const WriteOptions&
   Address address = m.SaveFirst;
   unsigned upper = static_cast<unsigned>(address >> 16);
   if (upper != 0) {
-    char* room = text.Room(records::kMaxLine);
+    char* room = text.Room(kMaxRecordLine);
     if (!room) return FileFailure(file);
     text.Used(PutBase(room, upper));
   }
   RangeProgress progress(m, options);
   while (address <= m.SaveLast) {
     progress.At(address);
-    char* out = text.Room(2 * records::kMaxLine);
+    char* out = text.Room(2 * kMaxRecordLine);
     if (!out) return FileFailure(file);
     // A record never exceeds 255 bytes, so it passes at most one boundary.
     if (static_cast<unsigned>(address >> 16) == upper + 1) {
@@ -64,13 +64,13 @@ Outcome SaveHexFile(Module1& m, const std::string& FileName, const WriteOptions&
     const unsigned n =
         static_cast<unsigned>(address + length - 1 <= m.BufLast ? length : m.BufLast - address + 1);
     *out++ = ':';
-    out = records::PutByte(out, n);
-    out = records::PutWord(out, offset);
-    out = records::PutByte(out, 0x00);
-    unsigned sum = records::PutBytes(out, &m.At(address), n);
+    out = PutHexByte(out, n);
+    out = PutHexWord(out, offset);
+    out = PutHexByte(out, 0x00);
+    unsigned sum = PutHexBytes(out, &m.At(address), n);
     sum += (offset >> 8) + (offset & 0xFF) + n;
-    out = records::PutByte(out, (256 - (sum & 0xFF)) & 0xFF);
-    text.Used(records::PutLineEnd(out));
+    out = PutHexByte(out, HexChecksum(sum));
+    text.Used(PutLineEnd(out));
     address += length;
   }
   if (!text.Put(kEndOfFile, sizeof kEndOfFile - 1) || !text.Flush()) return FileFailure(file);

@@ -2,8 +2,8 @@
 // first byte, then the fixed closing line.
 #include <cstdint>
 
+#include "image/RecordCodec.h"
 #include "writing/OutputFile.h"
-#include "writing/RecordText.h"
 #include "writing/WriterSupport.h"
 #include "writing/Writers.h"
 
@@ -45,20 +45,20 @@ Outcome SaveSFile(Module1& m, const std::string& FileName, const WriteOptions& o
       if (options.keepPartial && (!text.Flush() || !file.Commit())) return FileFailure(file);
       return Outcome::Refuse(kRecordLengthError);
     }
-    char* out = text.Room(records::kMaxLine);
+    char* out = text.Room(kMaxRecordLine);
     if (!out) return FileFailure(file);
     *out++ = 'S';
     *out++ = type.digit;
-    out = records::PutByte(out, count);
+    out = PutHexByte(out, count);
     unsigned sum = count;
     for (int shift = 8 * (type.addressBytes - 1); shift >= 0; shift -= 8) {
       const unsigned part = static_cast<unsigned>(address >> shift) & 0xFF;
-      out = records::PutByte(out, part);
+      out = PutHexByte(out, part);
       sum += part;
     }
-    sum += records::PutBytes(out, &m.At(address), n);
-    out = records::PutByte(out, 255 - (sum & 0xFF));
-    text.Used(records::PutLineEnd(out));
+    sum += PutHexBytes(out, &m.At(address), n);
+    out = PutHexByte(out, SChecksum(sum));
+    text.Used(PutLineEnd(out));
   }
   if (!text.Put(kClosing, sizeof kClosing - 1) || !text.Flush()) return FileFailure(file);
   return Finish(file);

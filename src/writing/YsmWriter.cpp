@@ -4,8 +4,8 @@
 
 #include "bufferops/Sum.h"
 #include "image/Address.h"
+#include "image/RecordCodec.h"
 #include "writing/OutputFile.h"
-#include "writing/RecordText.h"
 #include "writing/WriterSupport.h"
 #include "writing/Writers.h"
 
@@ -16,26 +16,17 @@ namespace {
 constexpr char kFixedLines[] = "S3060000000001F8\r\nS70500000000FA\r\n";
 
 // Line 1 for a sum of width bytes: the count is the 4 zero address bytes,
-// the sum and the checksum.
+// the sum (high byte first) and the checksum.
 std::string SumLine(int sum, int width) {
-  const unsigned count = 4 + static_cast<unsigned>(width) + 1;
-  char line[32];
-  char* out = line;
-  *out++ = 'S';
-  *out++ = '3';
-  out = records::PutByte(out, count);
-  for (int i = 0; i < 4; ++i) out = records::PutByte(out, 0);
-  unsigned x = count;
-  if (width == 2) {
-    out = records::PutWord(out, static_cast<unsigned>(sum));
-    x += static_cast<unsigned>(sum >> 8) + static_cast<unsigned>(sum & 0xFF);
-  } else {
-    out = records::PutByte(out, static_cast<unsigned>(sum));
-    x += static_cast<unsigned>(sum);
-  }
-  out = records::PutByte(out, 255 - (x & 0xFF));
-  out = records::PutLineEnd(out);
-  return std::string(line, out);
+  const std::size_t n = 4 + static_cast<std::size_t>(width);
+  std::uint8_t bytes[6] = {};
+  bytes[4] = static_cast<std::uint8_t>(sum >> 8);
+  bytes[n - 1] = static_cast<std::uint8_t>(sum);
+  const unsigned count = static_cast<unsigned>(n) + 1;
+  char line[32] = {'S', '3'};
+  char* out = PutHexByte(line + 2, count);
+  const unsigned total = count + PutHexBytes(out, bytes, n);
+  return std::string(line, PutLineEnd(PutHexByte(out, SChecksum(total))));
 }
 
 }  // namespace

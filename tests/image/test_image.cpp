@@ -12,11 +12,11 @@
 #include "bufferops/ClearBuffer.h"
 #include "image/Address.h"
 #include "image/Files.h"
-#include "image/HexCodec.h"
 #include "image/KeyFilters.h"
 #include "image/Module1.h"
 #include "image/PageMemory.h"
 #include "image/Paths.h"
+#include "image/RecordCodec.h"
 #include "image/Startup.h"
 #include "image/System.h"
 

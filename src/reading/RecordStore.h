@@ -1,8 +1,7 @@
 #pragma once
-// What the HEX and S readers share: reading hexadecimal pairs at a column,
-// clipping a record to the load range, and the words of a record error.
-#include <array>
-#include <bit>
+// What the HEX and S readers share: reading a hexadecimal pair at a column,
+// clipping a record to the load range, storing its data, and the words of a
+// record error.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +9,7 @@
 
 #include "image/Address.h"
 #include "image/Module1.h"
+#include "image/RecordCodec.h"
 
 namespace kestrum {
 
@@ -19,45 +19,6 @@ inline constexpr const char* kSumError = "SUM Error";
 enum class RecordStatus { Ok, FormatError, SumError };
 
 const char* RecordMessage(RecordStatus status);
-
-namespace detail {
-// Digit values by character; -1 marks a character that is no hexadecimal digit.
-inline constexpr std::array<std::int8_t, 256> kHexDigits = [] {
-  std::array<std::int8_t, 256> table{};
-  for (int c = 0; c < 256; ++c)
-    table[static_cast<std::size_t>(c)] = static_cast<std::int8_t>(HexDigitValue(static_cast<char>(c)));
-  return table;
-}();
-}  // namespace detail
-
-// The byte written by the two characters at p; -1 unless both are hex digits.
-inline int HexPairValue(const char* p) {
-  const int high = detail::kHexDigits[static_cast<unsigned char>(p[0])];
-  const int low = detail::kHexDigits[static_cast<unsigned char>(p[1])];
-  return (high | low) < 0 ? -1 : high * 16 + low;
-}
-
-namespace detail {
-// Eight characters at once: their four bytes in the low 32 bits, and false
-// when one of the characters is no hexadecimal digit.
-inline bool DecodeEight(const char* text, std::uint32_t& bytes) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  constexpr std::uint64_t kHigh = 0x80 * kOnes;
-  std::uint64_t x;
-  std::memcpy(&x, text, 8);
-  const std::uint64_t y = x | 0x20 * kOnes;  // "A".."F" to "a".."f"
-  // Bytes below 0x80 add these without a carry into the next byte.
-  const std::uint64_t digit = (x + (0x80 - '0') * kOnes) & ~(x + (0x7F - '9') * kOnes);
-  const std::uint64_t letter = (y + (0x80 - 'a') * kOnes) & ~(y + (0x7F - 'f') * kOnes);
-  if (((digit | letter) & ~x & kHigh) != kHigh) return false;
-  const std::uint64_t nibbles = (y & 0x0F * kOnes) + ((letter & kHigh) >> 7) * 9;
-  // The first character of a pair is the high nibble.
-  std::uint64_t pairs = ((nibbles << 4) | (nibbles >> 8)) & 0x00FF00FF00FF00FF;
-  pairs = (pairs | (pairs >> 8)) & 0x0000FFFF0000FFFF;
-  bytes = static_cast<std::uint32_t>(pairs | (pairs >> 16));
-  return true;
-}
-}  // namespace detail
 
 // Is given what a file holds instead of the image taking it: each line as
 // it is read, and the address and bytes of each data record. While one
@@ -76,31 +37,6 @@ struct RecordTarget {
   std::uint64_t dataRecords = 0;
   std::uint64_t stored = 0;  // bytes written into the image
 };
-
-// Reads count pairs from text into out and gives the sum of their values,
-// or -1 when one of them is not a pair of hexadecimal digits. Pairs are
-// written in order, so that out then holds no byte of the bad pair or
-// behind it.
-inline int DecodePairs(const char* text, std::size_t count, std::uint8_t* out) {
-  int sum = 0;
-  std::size_t i = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 4 <= count; i += 4) {
-      std::uint32_t bytes;
-      if (!detail::DecodeEight(text + 2 * i, bytes)) return -1;
-      std::memcpy(out + i, &bytes, 4);
-      sum +=
-          static_cast<int>((bytes & 0xFF) + ((bytes >> 8) & 0xFF) + ((bytes >> 16) & 0xFF) + (bytes >> 24));
-    }
-  }
-  for (; i < count; ++i) {
-    const int value = HexPairValue(text + 2 * i);
-    if (value < 0) return -1;
-    out[i] = static_cast<std::uint8_t>(value);
-    sum += value;
-  }
-  return sum;
-}
 
 // The pair at a column counted from 1; -1 when it is no pair of hex digits
 // or runs past the end of the line.

@@ -1,4 +1,4 @@
-#include "image/HexCodec.h"
+#include "image/RecordCodec.h"
 
 #if defined(__x86_64__) || defined(_M_X64)
 #define KESTRUM_X86_64 1
@@ -26,53 +26,56 @@ unsigned Total(__m128i sums) {
          static_cast<unsigned>(_mm_cvtsi128_si32(_mm_unpackhi_epi64(sums, sums)));
 }
 
-// Sixteen bytes at a time: split into nibbles, high before low, and turn
-// each nibble into its digit by comparing with 9.
-unsigned EncodeSse2(const std::uint8_t* bytes, std::size_t count, char* out) {
-  const __m128i zero = _mm_setzero_si128(), lowNibble = _mm_set1_epi8(0x0F), nine = _mm_set1_epi8(9);
-  const __m128i digitZero = _mm_set1_epi8('0'), letterGap = _mm_set1_epi8('A' - '0' - 10);
-  auto digits = [&](__m128i nibbles) {
-    const __m128i letters = _mm_and_si128(_mm_cmpgt_epi8(nibbles, nine), letterGap);
-    return _mm_add_epi8(_mm_add_epi8(nibbles, digitZero), letters);
-  };
-  __m128i sums = zero;
-  std::size_t i = 0;
-  for (; i + 16 <= count; i += 16, out += 32) {
-    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
-    sums = _mm_add_epi64(sums, _mm_sad_epu8(v, zero));
-    const __m128i high = _mm_and_si128(_mm_srli_epi16(v, 4), lowNibble), low = _mm_and_si128(v, lowNibble);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), digits(_mm_unpacklo_epi8(high, low)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 16), digits(_mm_unpackhi_epi8(high, low)));
-  }
-  return Total(sums) + EncodeByTable(bytes + i, count - i, out);
-}
-
-// The same with the digits looked up by a byte shuffle; eight bytes at a
-// time for what is left of a record.
-__attribute__((target("ssse3"))) unsigned EncodeSsse3(const std::uint8_t* bytes, std::size_t count,
-                                                      char* out) {
+// Sixteen bytes at a time, then eight for what is left of a record: split
+// into nibbles, high before low, and turn each into its digit by Digits.
+template <typename Digits>
+inline __attribute__((always_inline)) unsigned EncodeBy128(const std::uint8_t* bytes, std::size_t count,
+                                                           char* out) {
   const __m128i zero = _mm_setzero_si128(), lowNibble = _mm_set1_epi8(0x0F);
-  const __m128i table =
-      _mm_setr_epi8('0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F');
   __m128i sums = zero;
   std::size_t i = 0;
   for (; i + 16 <= count; i += 16, out += 32) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
     sums = _mm_add_epi64(sums, _mm_sad_epu8(v, zero));
     const __m128i high = _mm_and_si128(_mm_srli_epi16(v, 4), lowNibble), low = _mm_and_si128(v, lowNibble);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(table, _mm_unpacklo_epi8(high, low)));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 16),
-                     _mm_shuffle_epi8(table, _mm_unpackhi_epi8(high, low)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), Digits::Of(_mm_unpacklo_epi8(high, low)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 16), Digits::Of(_mm_unpackhi_epi8(high, low)));
   }
   if (i + 8 <= count) {
     const __m128i v = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes + i));
     sums = _mm_add_epi64(sums, _mm_sad_epu8(v, zero));
     const __m128i high = _mm_and_si128(_mm_srli_epi16(v, 4), lowNibble), low = _mm_and_si128(v, lowNibble);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_shuffle_epi8(table, _mm_unpacklo_epi8(high, low)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), Digits::Of(_mm_unpacklo_epi8(high, low)));
     i += 8;
     out += 16;
   }
   return Total(sums) + EncodeByTable(bytes + i, count - i, out);
+}
+
+// A digit by comparing the nibble with 9.
+struct CompareDigits {
+  static inline __attribute__((always_inline)) __m128i Of(__m128i nibbles) {
+    const __m128i letters =
+        _mm_and_si128(_mm_cmpgt_epi8(nibbles, _mm_set1_epi8(9)), _mm_set1_epi8('A' - '0' - 10));
+    return _mm_add_epi8(_mm_add_epi8(nibbles, _mm_set1_epi8('0')), letters);
+  }
+};
+
+// A digit looked up by a byte shuffle.
+struct ShuffleDigits {
+  static inline __attribute__((target("ssse3"))) __m128i Of(__m128i nibbles) {
+    const __m128i table = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kHexDigits));
+    return _mm_shuffle_epi8(table, nibbles);
+  }
+};
+
+unsigned EncodeSse2(const std::uint8_t* bytes, std::size_t count, char* out) {
+  return EncodeBy128<CompareDigits>(bytes, count, out);
+}
+
+__attribute__((target("ssse3"), flatten)) unsigned EncodeSsse3(const std::uint8_t* bytes, std::size_t count,
+                                                               char* out) {
+  return EncodeBy128<ShuffleDigits>(bytes, count, out);
 }
 
 // Thirty-two bytes at a time; the 16-byte lanes keep their bytes apart, so
@@ -80,8 +83,7 @@ __attribute__((target("ssse3"))) unsigned EncodeSsse3(const std::uint8_t* bytes,
 __attribute__((target("avx2"))) unsigned EncodeAvx2(const std::uint8_t* bytes, std::size_t count, char* out) {
   const __m256i zero = _mm256_setzero_si256(), lowNibble = _mm256_set1_epi8(0x0F);
   const __m256i table =
-      _mm256_setr_epi8('0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F', '0',
-                       '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F');
+      _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kHexDigits)));
   __m256i sums = zero;
   std::size_t i = 0;
   for (; i + 32 <= count; i += 32, out += 64) {

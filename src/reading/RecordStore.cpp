@@ -1,4 +1,4 @@
-#include "reading/RecordText.h"
+#include "reading/RecordStore.h"
 
 namespace kestrum {
 
