@@ -1,6 +1,5 @@
 #pragma once
 // Runs the built command line on a call as typed.
-#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -21,6 +20,11 @@ inline std::vector<std::string> Words(const std::string& call) {
   std::vector<std::string> words;
   for (std::string word; in >> word;) words.push_back(word);
   return words;
+}
+
+// A dump row: the address, then bytes and FF up to 16 bytes.
+inline std::string Row(const std::string& address, const std::string& bytes) {
+  return address + "  " + bytes + std::string(32 - bytes.size(), 'F') + "\n";
 }
 
 // The number of entries in a folder.

@@ -73,7 +73,7 @@ struct RunOptions {
   // What the program finds in /proc/meminfo, when not empty: in a mount
   // namespace of its own, which needs the superuser. A program that could
   // not be given it ends with kNoMeminfo.
-  std::string meminfo;
+  std::string meminfo = {};
 };
 inline constexpr int kNoMeminfo = 123;
 
