@@ -60,9 +60,9 @@ Module1 MakeImage(Address first = kDefaultFirst, Address last = kDefaultLast);
 
 struct RunResult {
   int status = -1;
-  std::string out;
-  std::string err;
-  long peakKiB = 0;  // the child's peak resident memory
+  std::string out = {};
+  std::string err = {};
+  long peakKiB = 0;  // the child's peak resident memory; none on Windows
 };
 
 // How a program is run: unprivileged, or with its address space limited.
@@ -100,11 +100,7 @@ class MemoryGroup {
 };
 
 // Built for Windows, and run under Wine here.
-#ifdef _WIN32
-inline constexpr bool kWindows = true;
-#else
-inline constexpr bool kWindows = false;
-#endif
+inline constexpr bool kWindows = KESTRUM_WINDOWS;
 
 // For a case of a table that can't run here: says why on standard output
 // when skip, and gives skip.
