@@ -70,10 +70,10 @@ inline RecordClip ClipRecord(Address first, Address n, Address LoadFirst, Addres
 }
 
 // A record with a bad digit among its data: stores the bytes of clip pair
-// by pair as far as the bad digit, and gives the "Format Error" that stops
-// the load there. A bad digit outside the clip is met only by the checksum
-// test, after all of clip is stored.
-RecordStatus StoreUpToBadDigit(Module1& m, const char* data, Address record, const RecordClip& clip);
+// by pair as far as the bad digit, and gives how many it stored; the load
+// stops there with "Format Error". A bad digit outside the clip is met only
+// by the checksum test, after all of clip is stored.
+std::uint64_t StoreUpToBadDigit(Module1& m, const char* data, Address record, const RecordClip& clip);
 
 // Stores the data of a record that clip does not pass over and gives the
 // sum of all its count data bytes, or -1 for a bad digit, once the bytes
@@ -88,21 +88,25 @@ inline int StoreData(RecordTarget& target, const char* data, std::size_t count, 
     if (sum >= 0) target.observer->Data(record, bytes, count);
     return sum;
   }
-  if (clip.last >= clip.first) target.stored += static_cast<std::uint64_t>(clip.last - clip.first + 1);
+  const std::uint64_t size =
+      clip.last >= clip.first ? static_cast<std::uint64_t>(clip.last - clip.first + 1) : 0;
   if (count > 0 && clip.first == record && clip.last == record + static_cast<Address>(count) - 1) {
     const int sum = DecodePairs(data, count, &m.At(record));
-    if (sum >= 0) return sum;
+    if (sum >= 0) {
+      target.stored += size;
+      return sum;
+    }
   } else {
     std::uint8_t bytes[255];
     const int sum = DecodePairs(data, count, bytes);
     if (sum >= 0) {
-      if (clip.last >= clip.first)
-        std::memcpy(&m.At(clip.first), bytes + (clip.first - record),
-                    static_cast<std::size_t>(clip.last - clip.first + 1));
+      if (size > 0)
+        std::memcpy(&m.At(clip.first), bytes + (clip.first - record), static_cast<std::size_t>(size));
+      target.stored += size;
       return sum;
     }
   }
-  StoreUpToBadDigit(m, data, record, clip);
+  target.stored += StoreUpToBadDigit(m, data, record, clip);
   return -1;
 }
 
