@@ -23,35 +23,37 @@
 namespace kestrum {
 namespace {
 
+// Read by AddressFromText; written back by AddressToText and padded by
+// PadAddressText, each the text itself when not given.
 TEST(AddressText, ReadsTwoGroupsOfFourAndWritesEightDigits) {
   const struct {
     const char* text;
     Address value;
-    const char* written = nullptr;  // by AddressToText, when not the text itself
+    const char *written = nullptr, *padded = nullptr;
   } cases[] = {
       {.text = "00000000", .value = 0},
-      {.text = "0007FFFF", .value = 524287},
       {.text = "0000FFFF", .value = 65535},  // unsigned, never -1
       {.text = "00010000", .value = 65536},
       {.text = "7FFFFFFF", .value = 0x7FFFFFFF},
       {.text = "80000000", .value = 0x80000000},
       {.text = "FFFFFFFF", .value = 4294967295},
       {.text = "ffff0000", .value = 4294901760, .written = "FFFF0000"},  // lower case counts
-      {.text = "12", .value = 0x00120012, .written = "00120012"},     // short text: both groups are the text
-      {.text = "12345", .value = 0x12342345, .written = "12342345"},  // the groups overlap
-      {.text = "123456789", .value = 0x12346789, .written = "12346789"},  // the middle character is not read
-      {.text = "12.40000", .value = 0x00120000, .written = "00120000"},   // a point ends its group
-      {.text = "1%2", .value = 0x00010001, .written = "00010001"},        // so does a per cent sign
-      {.text = "G1234567", .value = 0x4567, .written = "00004567"},       // a group that starts badly is 0
-      {.text = "", .value = 0, .written = "00000000"},
+      // short text: both groups are the text
+      {.text = "12", .value = 0x00120012, .written = "00120012", .padded = "00000012"},
+      // the groups overlap
+      {.text = "12345", .value = 0x12342345, .written = "12342345", .padded = "00012345"},
+      // the middle character is not read
+      {.text = "123456789", .value = 0x12346789, .written = "12346789", .padded = "23456789"},
+      {.text = "12.40000", .value = 0x00120000, .written = "00120000"},  // a point ends its group
+      {.text = "G1234567", .value = 0x4567, .written = "00004567"},      // a group that starts badly is 0
+      {.text = "", .value = 0, .written = "00000000", .padded = "0000000"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(AddressFromText(c.text), c.value) << c.text;
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(AddressFromText(c.text), c.value);
     EXPECT_EQ(AddressToText(c.value), c.written ? c.written : c.text);
+    EXPECT_EQ(PadAddressText(c.text), c.padded ? c.padded : c.text);
   }
-  const std::pair<const char*, const char*> pads[] = {
-      {"1", "00000001"}, {"123456789", "23456789"}, {"", "0000000"}, {"7FFFF", "0007FFFF"}};
-  for (const auto& [in, out] : pads) EXPECT_EQ(PadAddressText(in), out) << in;
   for (const auto& [value, text] : {std::pair{10, "0A"}, {255, "FF"}, {0, "00"}})
     EXPECT_EQ(HexByteText(value), text);
 }
@@ -68,97 +70,79 @@ TEST(Paths, JoinedWithOneSeparatorAndReadAsUtf8) {
       {"\\\\server\\share", "\\\\server\\share\\a.hex", "\\\\server\\share/a.hex"},
   };
   for (const auto& c : cases) EXPECT_EQ(JoinPath(c.folder, "a.hex"), test::kWindows ? c.windows : c.posix);
-  const std::string name =
-      "fw/gr\xC3\xBC\xC3\x9F"
-      "e.hex";
+  const std::string name = "fw/gr\303\274\303\237e.hex";  // grüße in UTF-8
   EXPECT_EQ(PathOf(name), std::filesystem::path(u8"fw/grüße.hex"));
   EXPECT_EQ(NameOf(PathOf(name)), name);
   EXPECT_EQ(NameOf(PathOf(name).filename()), name.substr(3));
 }
 
 TEST(HexEncode, EveryEncoderWritesTheDigitsAndSumOfEachLength) {
-  std::uint8_t bytes[100];
+  std::uint8_t bytes[101];
   for (std::size_t i = 0; i < sizeof bytes; ++i) bytes[i] = static_cast<std::uint8_t>(i * 167 + 89);
   for (const auto& [name, encode] : HexEncoders()) {
-    for (std::size_t n = 0; n <= sizeof bytes; ++n) {  // every width's tail
-      std::string want, got(2 * n + 1, '#');
-      unsigned sum = 0;
-      for (std::size_t i = 0; i < n; ++i) {
-        char pair[3];
-        std::snprintf(pair, sizeof pair, "%02X", bytes[i]);
-        want += pair;
-        sum += bytes[i];
-      }
+    std::string want;
+    unsigned sum = 0;
+    for (std::size_t n = 0; n <= 100; ++n) {  // every width's tail
+      std::string got(2 * n + 1, '#');
       EXPECT_EQ(encode(bytes, n, got.data()), sum) << name << " " << n;
       EXPECT_EQ(got, want + "#") << name << " " << n;  // nothing written past the digits
+      char pair[3];
+      std::snprintf(pair, sizeof pair, "%02X", bytes[n]);
+      want += pair;
+      sum += bytes[n];
     }
   }
 }
-
-constexpr std::uint64_t kKiB = 1024;
 
 // Each row a tree of the system's files ("/" for a folder where a file is
 // read, which fails to read); the group's room counts what it already holds
 // beyond its file cache, under every limit above it.
 TEST(AvailableMemory, MemoryAndSwapWithinTheRoomOfTheGroupsAbove) {
-  if (test::kWindows)
-    GTEST_SKIP() << "/proc and the control groups are Linux's; the command line's tests try a job's limit";
-  constexpr std::uint64_t kMiB = 1024 * kKiB;
+  // The command line's tests try a job's limit on Windows.
+  if (test::kWindows) GTEST_SKIP() << "/proc and the control groups are Linux's";
+  constexpr std::uint64_t kKiB = 1024, kMiB = 1024 * kKiB, kBoth = 2500000 * kKiB;  // memory and swap
+  const std::string mem = "proc/meminfo", cg = "proc/self/cgroup", v2 = "sys/fs/cgroup/", v1 = v2 + "memory/";
   const std::string meminfo = "MemTotal: 8000000 kB\nMemAvailable: 2000000 kB\nSwapFree: 500000 kB\n";
-  const std::string v2 = "sys/fs/cgroup/", v1 = "sys/fs/cgroup/memory/";
-  using Files = std::map<std::string, std::string>;
   const struct {
     const char* name;
-    Files files;
+    std::map<std::string, std::string> files;
     std::optional<std::uint64_t> available;
   } cases[] = {
-      {"memory and swap", {{"proc/meminfo", meminfo}}, 2500000 * kKiB},
-      {"a key that only begins like it",
-       {{"proc/meminfo", "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n"}},
-       3 * kKiB},
-      {"nothing to tell by", {{"proc/meminfo", "MemTotal: 8 kB\nMemAvailable: many kB\n"}}, std::nullopt},
+      {"memory and swap", {{mem, meminfo}}, kBoth},
+      {"a key that only begins like it", {{mem, "MemAvailableX: 9 kB\nMemAvailable: 3 kB\n"}}, 3 * kKiB},
+      {"nothing to tell by", {{mem, "MemTotal: 8 kB\nMemAvailable: many kB\n"}}, std::nullopt},
       {"version 2: the limit less what the group holds beyond its file cache",
-       {{"proc/meminfo", meminfo},
-        {"proc/self/cgroup", "0::/app\n"},
+       {{mem, meminfo},
+        {cg, "0::/app\n"},
         {v2 + "app/memory.max", "268435456\n"},
         {v2 + "app/memory.current", "157286400\n"},
-        {v2 + "app/memory.stat",
-         "anon 1\nactive_file 20971520\n"
-         "inactive_file 31457280\n"}},
+        {v2 + "app/memory.stat", "anon 1\nactive_file 20971520\ninactive_file 31457280\n"}},
        156 * kMiB},
       {"version 2: a lower limit above the group",
-       {{"proc/self/cgroup", "0::/a/b\n"},
+       {{cg, "0::/a/b\n"},
         {v2 + "a/memory.max", "104857600\n"},
         {v2 + "a/memory.current", "62914560"},
         {v2 + "a/b/memory.max", "max\n"},
         {v2 + "a/b/memory.current", "62914560"}},
        40 * kMiB},
       {"version 1: the memory controller's group, which holds more than its limit",
-       {{"proc/meminfo", meminfo},
-        {"proc/self/cgroup", "5:cpu:/c\n4:cpuacct,memory:/x/y\n"},
+       {{mem, meminfo},
+        {cg, "5:cpu:/c\n4:cpuacct,memory:/x/y\n"},
         {v1 + "x/y/memory.limit_in_bytes", "1048576\n"},
         {v1 + "x/y/memory.usage_in_bytes", "9437184\n"},
         {v1 + "x/y/memory.stat", "inactive_file 1048576\ntotal_inactive_file 2097152\n"}},
        0},
-      {"a group the file system doesn't show counts from its root",
-       {{"proc/meminfo", meminfo},
-        {"proc/self/cgroup", "0::/elsewhere\n"},
-        {v2 + "memory.max", "67108864\n"}},
-       64 * kMiB},
-      {"files that fail to read", {{"proc/meminfo", "/"}, {"proc/self/cgroup", "/"}}, std::nullopt},
-      {"a group file that fails to read",
-       {{"proc/meminfo", meminfo}, {"proc/self/cgroup", "0::/a\n"}, {v2 + "a/memory.max", "/"}},
-       2500000 * kKiB},
+      // a group the file system doesn't show counts from its root
+      {"a hidden group", {{mem, meminfo}, {cg, "0::/x\n"}, {v2 + "memory.max", "67108864\n"}}, 64 * kMiB},
+      {"files that fail to read", {{mem, "/"}, {cg, "/"}}, std::nullopt},
+      {"an unreadable group file", {{mem, meminfo}, {cg, "0::/a\n"}, {v2 + "a/memory.max", "/"}}, kBoth},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     test::TempDir root;
     for (const auto& [path, text] : c.files) {
-      std::filesystem::create_directories((root / path).parent_path());
-      if (text == "/")
-        std::filesystem::create_directory(root / path);
-      else
-        test::WriteFile(root / path, text);
+      std::filesystem::create_directories(text == "/" ? root / path : (root / path).parent_path());
+      if (text != "/") test::WriteFile(root / path, text);
     }
     EXPECT_EQ(sys::AvailableMemory(root.path().string()), c.available);
   }
@@ -168,69 +152,45 @@ long Count(const Module1& m, std::uint8_t byte) {
   return std::count(m.Buffer.data(), m.Buffer.data() + m.Buffer.size(), byte);
 }
 
-TEST(SizeBuffer, OneSpareElementOrEverythingAsItWas) {
+// An area that can't be read or made falls back to 00000000..0007FFFF, silently; the image holds one spare
+// element, 0, after the area's FF. Exit stores the fields.
+TEST(FormLoad, TakesTheStoredAreaOrFallsBackAndExitStoresTheFields) {
   const struct {
-    Address first, last;
-    SizeResult result;
-    Address size;  // BufSize afterwards
-  } cases[] = {
-      {.first = 0x1000, .last = 0x1000, .result = SizeResult::Ok, .size = 1},
-      {.first = 0x11, .last = 0x10, .result = SizeResult::Ok, .size = 0},  // an empty area is allowed
-      // One large page, spare element included; a part page at the end.
-      {.first = 0, .last = kLargePage - 2, .result = SizeResult::Ok, .size = kLargePage - 1},
-      {.first = 0, .last = 3 * kLargePage, .result = SizeResult::Ok, .size = 3 * kLargePage + 1},
-      {.first = 0x10, .last = 0x0, .result = SizeResult::NegativeSize, .size = 0x100},
-      {.first = 0x0, .last = 0xFFFFFFFF, .result = SizeResult::TooLarge, .size = 0x100},
-      {.first = 0x0, .last = kMaxBufSize, .result = SizeResult::TooLarge, .size = 0x100},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(AddressToText(c.first) + ".." + AddressToText(c.last));
-    Module1 m = test::MakeImage(0x100, 0x1FF);
-    m.Buffer[5] = 0x42;
-    EXPECT_EQ(SizeBuffer(m, c.first, c.last), c.result);
-    EXPECT_EQ(m.BufSize, c.size);
-    ASSERT_EQ(m.Buffer.size(), static_cast<std::size_t>(c.size + 1));
-    if (c.result == SizeResult::Ok) {
-      EXPECT_EQ(Count(m, 0), c.size + 1);
-    } else {
-      EXPECT_EQ(m.Buffer[5], 0x42);
-      EXPECT_EQ(m.BufFirst, 0x100);
-    }
-  }
-}
-
-TEST(FormLoad, TakesTheStoredAreaOrFallsBackSilentlyAndExitStoresTheFields) {
-  // An area that can't be read or made falls back to 00000000..0007FFFF.
-  const struct {
-    const char *first, *last;  // as stored; empty when not
-    bool fallsBack = false;
+    std::string first, last;  // as stored; empty when not
     Address bufFirst = 0, bufLast = 0x7FFFF;
+    bool fallsBack = false;
   } cases[] = {
-      {.first = "", .last = "", .fallsBack = true},
-      {.first = "00001000", .last = "00001FFF", .bufFirst = 0x1000, .bufLast = 0x1FFF},
-      {.first = "00000010", .last = "00000000", .fallsBack = true},  // last below first - 1
-      {.first = "00000000", .last = "FFFFFFFF", .fallsBack = true},  // more than 2147483647 bytes
-      {.first = "00000000", .last = "12", .bufLast = 0x00120012},    // read unpadded
-      {.first = "zz", .last = "00000010", .bufLast = 0x10},
-      {.first = "00000011", .last = "00000010", .bufFirst = 0x11, .bufLast = 0x10},  // empty area
+      {"", "", 0, 0x7FFFF, true},
+      {"00001000", "00001FFF", 0x1000, 0x1FFF},
+      {"00000010", "00000000", 0, 0x7FFFF, true},  // last below first - 1
+      {"00000000", "7FFFFFFF", 0, 0x7FFFF, true},  // more than 2147483647 bytes
+      {"00000000", "12", 0, 0x00120012},           // read unpadded
+      {"zz", "00000010", 0, 0x10},
+      {"00000011", "00000010", 0x11, 0x10},  // an empty area
+      // One large page, spare element included; a part page at the end.
+      {"00000000", AddressToText(kLargePage - 2), 0, kLargePage - 2},
+      {"00000000", AddressToText(3 * kLargePage), 0, 3 * kLargePage},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.first) + ".." + c.last);
+    SCOPED_TRACE(c.first + ".." + c.last);
     MemorySettings store;
-    if (*c.first) store.Write(kAddress, "BufFirst", c.first);
-    if (*c.last) store.Write(kAddress, "BufLast", c.last);
+    if (!c.first.empty()) store.Write(kAddress, "BufFirst", c.first);
+    if (!c.last.empty()) store.Write(kAddress, "BufLast", c.last);
     Module1 m;
     m.FileError = -1;
     ASSERT_TRUE(frmsumtool::Form_Load(m, store));
-    const std::string shownFirst = c.fallsBack ? "00000000" : c.first;
-    const std::string shownLast = c.fallsBack ? "0007FFFF" : c.last;
+    const std::string shownFirst = c.fallsBack ? "00000000" : c.first,
+                      shownLast = c.fallsBack ? "0007FFFF" : c.last;
     EXPECT_EQ(m.frmsumtool.txtbuffaddr, shownFirst);
     EXPECT_EQ(m.frmsumtool.txtbufladdr, shownLast);
     EXPECT_EQ(m.frmsumtool.txteditaddr, shownFirst);
     EXPECT_EQ(m.BufFirst, c.bufFirst);
     EXPECT_EQ(m.BufLast, c.bufLast);
+    EXPECT_EQ(m.BufSize, c.bufLast - c.bufFirst + 1);
     EXPECT_EQ(m.FileError, 0);
-    EXPECT_EQ(Count(m, 0xFF), m.BufSize) << "FF, but not the spare element";
+    ASSERT_EQ(m.Buffer.size(), static_cast<std::size_t>(m.BufSize + 1));
+    EXPECT_EQ(Count(m, 0xFF), m.BufSize);
+    EXPECT_EQ(m.Buffer[static_cast<std::size_t>(m.BufSize)], 0) << "the spare element";
     MemorySettings after;
     StoreAreaOnExit(m, after);
     EXPECT_EQ(after.Read(kAddress, "BufFirst", "?"), shownFirst);
@@ -238,25 +198,24 @@ TEST(FormLoad, TakesTheStoredAreaOrFallsBackSilentlyAndExitStoresTheFields) {
   }
 }
 
+// What each filter passes on of a key typed into a field: 0 swallows it.
 TEST(KeyFilters, PassChangeOrSwallow) {
-  // What each filter passes on of a key typed into a field: 0 swallows it.
   const struct {
     const char* field;
     int key, address, byte, offset;
   } cases[] = {
-      {.field = "", .key = 'a', .address = 'A', .byte = 'A', .offset = 'A'},
-      {.field = "", .key = 'G', .address = 0, .byte = 0, .offset = 0},
-      {.field = "", .key = 13, .address = 0, .byte = 0, .offset = 0},  // Enter
-      {.field = "", .key = 22, .address = 0, .byte = 0, .offset = 0},  // Ctrl+V
-      {.field = "", .key = '-', .address = 0, .byte = 0, .offset = '-'},
+      {"", 'a', 'A', 'A', 'A'},
+      {"", 'G', 0, 0, 0},
+      {"", 22, 0, 0, 0},  // Ctrl+V
+      {"", '-', 0, 0, '-'},
       // The byte field holds two digits; only an offset takes a ninth.
-      {.field = "12", .key = '3', .address = '3', .byte = 0, .offset = '3'},
-      {.field = "1234567", .key = '8', .address = '8', .byte = 0, .offset = '8'},
-      {.field = "12345678", .key = 'c', .address = 0, .byte = 0, .offset = 'C'},
-      {.field = "-12345678", .key = '1', .address = 0, .byte = 0, .offset = 0},
-      {.field = "12345678", .key = 8, .address = 8, .byte = 8, .offset = 8},  // Backspace at any length
-      {.field = "123456789", .key = '.', .address = '.', .byte = '.', .offset = '.'},
-      {.field = "12345678", .key = '\'', .address = '\'', .byte = '\'', .offset = '\''},
+      {"12", '3', '3', 0, '3'},
+      {"1234567", '8', '8', 0, '8'},
+      {"12345678", 'c', 0, 0, 'C'},
+      {"-12345678", '1', 0, 0, 0},
+      {"12345678", 8, 8, 8, 8},  // Backspace at any length
+      {"123456789", '.', '.', '.', '.'},
+      {"12345678", '\'', '\'', '\'', '\''},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string("field '") + c.field + "' key " + std::to_string(c.key));
@@ -270,23 +229,18 @@ TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
   for (const bool yes : {true, false}) {
     SCOPED_TRACE(yes ? "Yes" : "No");
     Module1 m = test::MakeImage(0x1000, 0x10FF);
+    const SumToolFields fresh = m.frmsumtool;  // no file, no dump, the step buttons off
     m.Buffer[0] = m.Buffer[0xFF] = 0x12;
-    m.frmsumtool.Text1 = "a.bin";
-    m.frmsumtool.List1 = {"row"};
+    m.frmsumtool.Text1 = "a.bin", m.frmsumtool.List1 = {"row"};
     m.frmsumtool.cmdeditplusEnabled = m.frmsumtool.cmdeditminusEnabled = true;
-    SumToolFields expected = m.frmsumtool;
+    const SumToolFields before = m.frmsumtool;
     test::ScriptedPlatform platform;
     platform.answers = {yes ? vbYes : vbNo};
     frmsumtool::cmdbufclear_Click(m, platform);
-    std::vector<test::Message> messages{{"Buffer Clear OK?", vbQuestionYesNo, "BufferClear"}};
-    if (yes) {
-      messages.push_back({"Buffer Clear Complete!", vbOKOnly, ""});
-      expected.Text1.clear();
-      expected.List1.clear();
-      expected.cmdeditplusEnabled = expected.cmdeditminusEnabled = false;
-    }
-    EXPECT_EQ(platform.messages, messages);
-    EXPECT_EQ(m.frmsumtool, expected);
+    const test::Message ask{"Buffer Clear OK?", vbQuestionYesNo, "BufferClear"},
+        done{"Buffer Clear Complete!", vbOKOnly, ""};
+    EXPECT_EQ(platform.messages, (yes ? std::vector{ask, done} : std::vector{ask}));
+    EXPECT_EQ(m.frmsumtool, yes ? fresh : before);
     EXPECT_EQ(platform.pointers, (yes ? std::vector<int>{vbHourglass, vbDefault} : std::vector<int>{}));
     EXPECT_EQ(Count(m, 0xFF), yes ? 0x100 : 0xFE) << "FF, but not the spare element";
   }
