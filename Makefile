@@ -13,7 +13,7 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 # Debian packages the build and the tests need.
 PACKAGES = cmake ninja-build g++ clang clang-format libclang-rt-14-dev pkg-config qt6-base-dev libgl-dev libgtest-dev libgmock-dev \
            libbenchmark-dev srecord python3-intelhex xvfb xauth fonts-dejavu-core fonts-liberation \
-           strace acl dpkg-dev file lintian desktop-file-utils man-db openbox x11-utils \
+           strace acl attr dpkg-dev file lintian desktop-file-utils man-db openbox x11-utils \
            g++-mingw-w64-x86-64 wine64
 
 # What make run shows without a display: load, dump, sum and save, the

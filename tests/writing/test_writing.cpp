@@ -50,8 +50,7 @@ struct Given {
 Module1 Image(const Given& g) {
   Module1 m = test::MakeImage(g.area.first, g.area.last);
   if (g.fill >= 0) std::fill_n(m.Buffer.data(), m.BufSize, static_cast<std::uint8_t>(g.fill));
-  for (Address a = g.area.first; g.fill == kElevens && a <= g.area.last; ++a)
-    m.At(a) = static_cast<std::uint8_t>((a - g.area.first) * 0x11);
+  for (Address i = 0; g.fill == kElevens && i < m.BufSize; ++i) m.Buffer[i] = std::uint8_t(i * 0x11);
   const std::uint8_t sample[] = {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0};
   for (Address i = 0; g.fill == kSumSample && i < 8; ++i) m.At(0x1000 + i) = sample[i];
   m.SaveFirst = g.save.first, m.SaveLast = g.save.last;
@@ -80,8 +79,8 @@ std::string EndOf(Writer writer) {
 
 // A writer's text byte for byte, or the record length it refuses: an S record whose count would pass 255
 // stops the S writer before it, with the records before it kept; the count is of the bytes a record holds,
-// cut at SaveLast. The S1 and S2 records that pass 255 fail alike, S3's the same way; the command line's
-// tests show the old file staying whole where the cut-short file is not kept.
+// cut at SaveLast, and one count serves every record type, so S3 needs no failing row of its own. The
+// command line's tests show the old file staying whole where the cut-short file is not kept.
 TEST(Writers, WrittenTextByteForByte) {
   const auto ff = [](int bytes) { return std::string(2 * bytes, 'F'); };
   // {writer, area, fill, range saved, record length}, the text before EndOf, the words of a refusal.
@@ -147,8 +146,8 @@ TEST(Writers, WrittenTextByteForByte) {
 TEST(Writers, FileFaultsNameTheReasonAndKeepTheOldFile) {
   const struct {
     Writer writer;
-    std::string target;
-    const char *doing, *reason, *notOnWindows = nullptr;
+    std::string target, doing;
+    const char *reason, *notOnWindows = nullptr;
   } cases[] = {
       // A device: written in place.
       {HEX, "/dev/full", "write", "No space left on device", "Windows has no full device"},
@@ -175,8 +174,7 @@ TEST(Writers, FileFaultsNameTheReasonAndKeepTheOldFile) {
       Module1 m = Image({.area = {0, 0xFFFF}, .save = {0, 0xFFFF}});
       const test::FileSizeLimit limit(4096);  // only the write into old grows a file
       const Outcome failed = Write(c.writer, m, target);
-      const Outcome expected =
-          Outcome::Fail("Can't " + std::string(c.doing) + " " + target + ": " + c.reason, target);
+      const Outcome expected = Outcome::Fail("Can't " + c.doing + " " + target + ": " + c.reason, target);
       return failed == expected ? "" : testing::PrintToString(std::tuple(failed.words, failed.file));
     };
     EXPECT_EQ(c.target == "read-only" ? test::Unprivileged(check) : check(), "");
@@ -218,8 +216,7 @@ TEST(Writers, ReplacingKeepsWhatTheOldFileCarried) {
     SCOPED_TRACE(c.name);
     TempDir dir;
     test::WriteFile(dir / "real.HEX", "old");
-    ASSERT_EQ(test::RunProgram({"/bin/sh", "-c", c.setup}, dir.path()).status, 0)
-        << "the case could not be set up";
+    ASSERT_EQ(test::RunProgram({"/bin/sh", "-c", c.setup}, dir.path()).status, 0);
     auto before = Listing(dir.path(), CarriedBy);
     Module1 m = Image({.area = {0, 0xFF}, .save = {0, 0}});
     ASSERT_TRUE(SaveHexFile(m, (dir / c.save).string()).IsDone());
@@ -281,11 +278,9 @@ TEST(RoundTrip, RandomSavesReadBack) {
   }
 }
 
-const char* const kObject = "Object File Only";
-const char* const kYsm = "YSM File Only";
-const char* const kPair = "Object and YSM File";
-const char* const kBinAsk = "prog.BIN File Over Write?";
-const char* const kYsmAsk = "prog.YSM File Over Write?";
+// The file types and a pair's prompts as the Save dialog words them.
+constexpr const char *kObject = "Object File Only", *kYsm = "YSM File Only", *kPair = "Object and YSM File";
+constexpr const char *kBinAsk = "prog.BIN File Over Write?", *kYsmAsk = "prog.YSM File Over Write?";
 
 constexpr FileType kOnly = FileType::ObjectOnly, kYsmOnly = FileType::YsmOnly, kBoth = FileType::ObjectAndYsm;
 
@@ -412,8 +407,7 @@ TEST(SaveFlow, RefusalsInTheirOrder) {
 // prog.BIN holds 300 old bytes; a Yes to it replaces it whole, a save without a prompt keeps its end.
 TEST(SaveFlow, PromptsBeforeAListedFile) {
   const std::vector<std::string> kBin = {"prog.BIN"}, kPairFiles = {"prog.BIN", "prog.YSM"};
-  const char* const kBinDone = "BIN File Save Complete!";
-  const char* const kPairDone = "BIN and YSM File Save Complete!";
+  const std::string kBinDone = "BIN File Save Complete!", kPairDone = "BIN and YSM File Save Complete!";
   // The fields changed, the names listed, the answers, the messages shown, the files afterwards, and the size
   // of prog.BIN.
   const struct {
@@ -426,12 +420,14 @@ TEST(SaveFlow, PromptsBeforeAListedFile) {
       // Not listed: no prompt; BIN takes any record length.
       {{.text4 = ""}, {"other.BIN"}, {}, {kBinDone}, kBin, 300},
       {{}, {"a", "PROG.bin"}, {vbYes}, {"Over Write?", kBinDone}, kBin, 256},
-      {{}, kBin, {vbNo}, {"Over Write?"}, kBin, 300},
       {{.combo1 = kPair}, kPairFiles, {vbYes, vbYes}, {kBinAsk, kYsmAsk, kPairDone}, kPairFiles, 256},
       {{.combo1 = kPair}, kPairFiles, {vbYes, vbNo}, {kBinAsk, kYsmAsk}, kBin, 300},
       {{.combo1 = kPair}, kPairFiles, {vbNo}, {kBinAsk}, kBin, 300},
-      // Each file of a pair asked for alone, listed names compared ignoring case; a YSM file by its own name.
+      // Each file of a pair asked for alone, listed names compared ignoring case, also under a name with the
+      // YSM
+      // extension; a YSM file by its own name.
       {{.combo1 = kPair}, {"prog.ysm"}, {vbNo}, {kYsmAsk}, kBin, 300},
+      {{.combo1 = kPair, .text5 = "prog.YSM"}, kPairFiles, {vbYes, vbNo}, {kBinAsk, kYsmAsk}, kBin, 300},
       {{.combo1 = kYsm}, {"prog.YSM"}, {vbNo}, {"Over Write?"}, kBin, 300},
   };
   for (const auto& c : cases) {
@@ -515,7 +511,7 @@ TEST(SaveFlow, OpeningSwitchesTheListsTheStoredTypesNeed) {
 }
 
 // The writers' faults are theirs; the Save button shows them with the file, stays open, stores nothing and
-// writes a pair's YSM file all the same. full.BIN stands for a full device.
+// writes a pair's YSM file all the same. f.BIN stands for a full device.
 TEST(SaveFlow, FaultsNameTheFileAndStoreNothing) {
   if (test::kWindows) GTEST_SKIP() << "Windows has no full device to link to";
   const struct {
@@ -523,18 +519,16 @@ TEST(SaveFlow, FaultsNameTheFileAndStoreNothing) {
     std::string message;  // after the test's folder
     std::vector<std::string> files;
   } cases[] = {
-      {{.combo1 = kPair, .text5 = "full"}, "/full.BIN: No space left on device", {"full.BIN", "full.YSM"}},
+      {{.combo1 = kPair, .text5 = "f"}, "/f.BIN: No space left on device", {"f.BIN", "f.YSM"}},
       // The S file cut short takes its name.
-      {{.text4 = "FD", .combo1 = kPair, .combo2 = "S"},
-       kRecordLengthError,
-       {"full.BIN", "prog.S", "prog.YSM"}},
+      {{.text4 = "FD", .combo1 = kPair, .combo2 = "S"}, kRecordLengthError, {"f.BIN", "prog.S", "prog.YSM"}},
       // A name holding a folder is refused before any file is made.
-      {{.combo1 = kYsm, .text5 = "sub/prog"}, "/sub/prog: a file name can't hold a folder.", {"full.BIN"}},
+      {{.combo1 = kYsm, .text5 = "sub/prog"}, "/sub/prog: a file name can't hold a folder.", {"f.BIN"}},
   };
   for (const auto& c : cases) {
     World w(c.change);
     SCOPED_TRACE(c.message);
-    fs::create_symlink("/dev/full", w.dir / "full.BIN");
+    fs::create_symlink("/dev/full", w.dir / "f.BIN");
     w.f.Dir2 += "/";  // as a root ends: no second separator
     EXPECT_FALSE(w.Save());
     EXPECT_TRUE(w.platform.Texts().back().ends_with(c.message)) << w.platform.Texts().back();
