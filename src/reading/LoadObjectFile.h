@@ -36,7 +36,7 @@ struct LoadOptions {
   ReadingMode mode = ReadingMode::Window;
   RecordObserver* observer = nullptr;
   // Told the bytes read so far and the file's length, after each block.
-  std::function<void(std::uint64_t done, std::uint64_t total)> progress;
+  std::function<void(std::uint64_t done, std::uint64_t total)> progress = {};
   // Whole, sound records are decoded many at a time before the exact reader
   // sees what is left; off, every line goes through the exact reader.
   bool quick = true;

@@ -1,4 +1,5 @@
 #pragma once
+#include <iterator>
 // Runs the built command line on a call as typed.
 #include <sstream>
 #include <string>
@@ -17,9 +18,7 @@ inline RunResult RunCli(std::vector<std::string> args, const std::filesystem::pa
 // The words of a call as typed, split at spaces.
 inline std::vector<std::string> Words(const std::string& call) {
   std::istringstream in(call);
-  std::vector<std::string> words;
-  for (std::string word; in >> word;) words.push_back(word);
-  return words;
+  return {std::istream_iterator<std::string>(in), std::istream_iterator<std::string>()};
 }
 
 // A dump row: the address, then bytes and FF up to 16 bytes.

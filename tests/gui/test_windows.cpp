@@ -201,9 +201,7 @@ struct Form {
 };
 
 template <typename F>
-QWidget* Make(forms::AppContext& c) {
-  return new F(c);
-}
+constexpr auto Make = [](forms::AppContext& c) -> QWidget* { return new F(c); };
 
 // clang-format off
 const Form kForms[] = {
@@ -402,7 +400,8 @@ const QStringList kSums{"70", "D970", "ECF0"};
 class TestWindows : public QObject {
   Q_OBJECT
  private slots:
-  // Also: the dump's font is a monospaced outline font and a page fits, drawn at the screen's resolution.
+  // Also: disabled boxes are readable, and the dump's font is a monospaced outline font and a page fits,
+  // drawn at the screen's resolution.
   void formsHaveTheirDesignSizeAndNothingClipsOrOverlaps() {
     for (const Form& f : kForms) {
       Opened o(f);
@@ -434,6 +433,24 @@ class TestWindows : public QObject {
            {std::tuple{"frmsumtool", "Label3", 120}, {"frmsave", "Label10", 105}, {"frmsave", "Label2", 165}})
         if (f.name == std::string_view(form))
           QVERIFY2(std::abs(Child(o.form.get(), label)->x() - forms::Px(left)) <= 1, label);
+      // A disabled box holds what the user came for: readable (4.5 : 1 at least, measured on its pixels), on
+      // a background that is not an editable field's.
+      const QColor editable = o.form->palette().color(QPalette::Active, QPalette::Base);
+      for (auto* box : o.form->findChildren<QLineEdit*>()) {
+        if (box->isEnabled()) continue;
+        box->setText("0123ABCD");
+        const QImage image = box->grab().toImage();
+        QHash<QRgb, int> count;  // inside the box's border
+        for (int y = 4; y < image.height() - 4; ++y)
+          for (int x = 4; x < image.width() - 4; ++x) ++count[image.pixel(x, y)];
+        const auto fewer = [](auto a, auto b) { return a.second < b.second; };
+        const QColor background = std::max_element(count.keyValueBegin(), count.keyValueEnd(), fewer)->first;
+        double text = 1;
+        for (QRgb pixel : count.keys()) text = std::max(text, Contrast(pixel, background));
+        const QString name = f.name + ("." + box->objectName());
+        QVERIFY2(text >= 4.5, qPrintable(name + QString(": %1 : 1").arg(text)));
+        QVERIFY2(Contrast(background, editable) > 1.05, qPrintable(name + ": looks editable"));
+      }
     }
     Opened o(kForms[0]);
     Click(o.form.get(), "cmdedit");
@@ -463,32 +480,6 @@ class TestWindows : public QObject {
       // decoration all 1, minimize 32, maximize 64.
       for (const auto& [i, mask, want] : {std::tuple{0, 3u, 3u}, {1, 1u | 8 | 16, 0u}, {2, 1u | 32 | 64, 0u}})
         QVERIFY2((hints[i].trimmed().toUInt(nullptr, 16) & mask) == want, qPrintable(f.name + (": " + said)));
-    }
-  }
-
-  // A disabled box holds what the user came for: readable (4.5 : 1 at least, measured on its pixels), on a
-  // background that is not an editable field's.
-  void disabledBoxesAreReadableYetPlainlyNotEditable() {
-    for (const Form& f : kForms) {
-      Opened o(f);
-      const QColor editable = o.form->palette().color(QPalette::Active, QPalette::Base);
-      for (auto* box : o.form->findChildren<QLineEdit*>()) {
-        if (box->isEnabled()) continue;
-        box->setText("0123ABCD");
-        const QImage image = box->grab().toImage();
-        QHash<QRgb, int> count;  // inside the box's border
-        for (int y = 4; y < image.height() - 4; ++y)
-          for (int x = 4; x < image.width() - 4; ++x) ++count[image.pixel(x, y)];
-        const QColor background =
-            std::max_element(count.keyValueBegin(), count.keyValueEnd(), [](auto a, auto b) {
-              return a.second < b.second;
-            })->first;
-        double text = 1;
-        for (QRgb pixel : count.keys()) text = std::max(text, Contrast(pixel, background));
-        const QString name = f.name + ("." + box->objectName());
-        QVERIFY2(text >= 4.5, qPrintable(name + QString(": %1 : 1").arg(text)));
-        QVERIFY2(Contrast(background, editable) > 1.05, qPrintable(name + ": looks editable"));
-      }
     }
   }
 
@@ -649,14 +640,11 @@ class TestWindows : public QObject {
   // picked with the mouse, with an offset.
   void sessionLoadShowsAReadersErrorWithLoadAndCancelDisabled() {
     Session s;
-    forms::frmload* loading = nullptr;
     s.script
         .Dialog<forms::frmload>([&](forms::frmload* d) {
-          loading = d;
           Child<forms::FileListBox>(d, "File1")->Pick("bad.hex");
           Click(d, "Command1");
-          QVERIFY(Child(d, "Command1")->isEnabled());
-          QVERIFY(Child(d, "Command2")->isEnabled());
+          for (const char* button : {"Command1", "Command2"}) QVERIFY2(Child(d, button)->isEnabled(), button);
           auto* files = Child<QListWidget>(d, "File1");
           QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
                             files->visualItemRect(files->item(0)).center());
@@ -665,8 +653,8 @@ class TestWindows : public QObject {
         })
         .Dialog<QMessageBox>([&](QMessageBox* box) {
           QCOMPARE(box->text(), QStringLiteral("SUM Error"));
-          QVERIFY(!Child(loading, "Command1")->isEnabled());
-          QVERIFY(!Child(loading, "Command2")->isEnabled());
+          for (const char* button : {"Command1", "Command2"})
+            QVERIFY2(!Child(s.w.findChild<forms::frmload*>(), button)->isEnabled(), button);
           QTest::keyClick(box, Qt::Key_Return);
         })
         .Message("Load Complete!");
@@ -772,19 +760,14 @@ class TestWindows : public QObject {
     QVERIFY(ShowActive(&again));
     QCOMPARE(Texts(&again, {"txtbuffaddr", "txtbufladdr", "txteditaddr"}), area + QStringList{"00010000"});
     QStringList kept;  // what the dialogs show as they are closed with Esc
-    const auto keep = [&](QWidget* d, std::initializer_list<const char*> names) {
-      kept += Texts(d, names);
-      PressKey(d, Qt::Key_Escape);
-    };
-    s.script.Dialog<forms::frmload>([&](auto* d) {
-              keep(d, {"Text4", "Text3", "Dir1"});
-            })
-        .Dialog<forms::frmstore>([&](auto* d) {
-          keep(d, {"Text1", "Text2", "Text3"});
-        });
-    s.script.Run([&] {
-      for (const char* button : {"cmdload", "cmdblstore"}) Click(&again, button);
-    });
+    for (const auto& [button, names] : {std::pair{"cmdload", std::vector{"Text4", "Text3", "Dir1"}},
+                                        {"cmdblstore", std::vector{"Text1", "Text2", "Text3"}}}) {
+      s.script.Dialog<QDialog>([&](QDialog* d) {
+        for (const char* name : names) kept << Text(d, name);
+        PressKey(d, Qt::Key_Escape);
+      });
+      s.script.Run([&] { Click(&again, button); });
+    }
     const QString dir = QDir::toNativeSeparators(s.folder.path());
     QCOMPARE(kept, (QStringList{"00010000", "0001FFFF", dir, "0001FFF0", "0001000F", "5A"}));
     s.settings.store.Write(kAddress, "BufFirst", "");

@@ -78,9 +78,7 @@ TEST(QuickRecords, GiveTheExactReadersResultWhereverAFileLeavesTheRoad) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
     Module1 quick = test::MakeImage(0, 0xFFF), exact = test::MakeImage(0, 0xFFF);
-    LoadOptions withQuick, exactOnly;
-    withQuick.mode = exactOnly.mode = row.mode;
-    exactOnly.quick = false;
+    const LoadOptions withQuick{.mode = row.mode}, exactOnly{.mode = row.mode, .quick = false};
     const LoadReport a = LoadObjectBytes(quick, row.loadFirst, row.loadLast, row.name, row.file, withQuick);
     const LoadReport b = LoadObjectBytes(exact, row.loadFirst, row.loadLast, row.name, row.file, exactOnly);
     EXPECT_EQ(std::memcmp(quick.Buffer.data(), exact.Buffer.data(), 0x1000), 0);

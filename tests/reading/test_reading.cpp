@@ -64,12 +64,6 @@ TEST(DecideFormat, FirstByteAndALineEndWithinTheProbe) {
   }
 }
 
-LoadOptions ReadIn(ReadingMode mode) {
-  LoadOptions options;
-  options.mode = mode;
-  return options;
-}
-
 std::string Lines(std::initializer_list<std::string> lines, const char* end = "\r\n") {
   std::string text;
   for (const auto& l : lines) text += l + end;
@@ -149,7 +143,7 @@ TEST(LoadObjectBytes, EachFormatsRecordsRangesAndOffsets) {
     Module1 m = MakeImage(0, kLast);
     std::fill_n(m.Buffer.data(), kLast + 1, 0x5A);  // a load lays its bytes over what the image held
     m.LoadOffset = c.offset;
-    const LoadReport report = LoadObjectBytes(m, c.first, c.last, c.name, c.file, ReadIn(c.mode));
+    const LoadReport report = LoadObjectBytes(m, c.first, c.last, c.name, c.file, {.mode = c.mode});
     std::vector<std::uint8_t> expected(kLast + 1, 0x5A);
     for (std::size_t i = 0; i < c.stored.size(); i += 2)
       expected[c.at + i / 2] = static_cast<std::uint8_t>(std::stoi(c.stored.substr(i, 2), nullptr, 16));
@@ -205,7 +199,7 @@ TEST(LoadObjectFile, FilesWrittenByPeerToolsGiveTheBinaryBack) {
     ASSERT_EQ(made.status, 0) << made.err;
     Module1 m = MakeImage(0, kLast);
     m.LoadFileName = (dir / out).string();
-    const LoadReport report = LoadObjectFile(m, 0, kLast, out, ReadIn(c.mode));
+    const LoadReport report = LoadObjectFile(m, 0, kLast, out, {.mode = c.mode});
     EXPECT_EQ(report.outcome.words, c.message);
     EXPECT_EQ(report.outcome.line, c.line);
     std::string expected(kLast + 1, '\xFF');
