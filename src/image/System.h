@@ -5,6 +5,7 @@
 // the process is interrupted. One source file per platform implements it
 // (SystemPosix.cpp, SystemWindows.cpp; SystemPlain.cpp, with the standard
 // library only, where the platform has none of its own).
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,6 +33,10 @@ inline constexpr FileHandle kNoFile = -1;
 FileHandle CreateExclusive(const std::string& path, const std::string& like, std::error_code& ec);
 // Opens an existing file for writing from its start, without cutting it short.
 FileHandle OpenForWriting(const std::string& path, std::error_code& ec);
+// Pieces in whole multiples of kWholePiece bytes, from memory and at file
+// offsets on that boundary, may go to the disk directly, past the system's
+// cache; any other piece goes through it.
+inline constexpr std::size_t kWholePiece = 4096;
 bool WriteAll(FileHandle file, const void* data, std::size_t size, std::error_code& ec);
 // Puts what was written on the disk; a file that has no disk (a device, a
 // pipe) counts as flushed.

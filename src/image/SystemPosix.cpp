@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -132,6 +133,37 @@ int CopyAttributes(const std::string& like, int fd) {
 #endif
 }
 
+// A new file is written past the system's cache where its file system allows it: the
+// content goes from our memory to the disk, which a save waits for anyway, without being
+// copied into pages the system must first find and clear. Such a file takes only whole
+// pieces (kWholePiece); at the first other piece (a file's end, as a rule) it goes on
+// through the cache.
+constexpr std::uintptr_t kDirect = kWholePiece;
+
+bool Direct(int fd) {
+#ifdef O_DIRECT
+  const int flags = fcntl(fd, F_GETFL);
+  return flags >= 0 && (flags & O_DIRECT) != 0;
+#else
+  (void)fd;
+  return false;
+#endif
+}
+
+void SetDirect([[maybe_unused]] int fd, [[maybe_unused]] bool on) {
+#ifdef O_DIRECT
+  const int flags = fcntl(fd, F_GETFL);
+  // Refused by a file system without direct transfers: the file stays on the cache.
+  if (flags >= 0) fcntl(fd, F_SETFL, on ? flags | O_DIRECT : flags & ~O_DIRECT);
+#endif
+}
+
+bool Aligned(int fd, const char* data, std::size_t size) {
+  const off_t at = lseek(fd, 0, SEEK_CUR);
+  return reinterpret_cast<std::uintptr_t>(data) % kDirect == 0 && size % kDirect == 0 && at >= 0 &&
+         static_cast<std::uintptr_t>(at) % kDirect == 0;
+}
+
 }  // namespace
 
 FileHandle CreateExclusive(const std::string& path, const std::string& like, std::error_code& ec) {
@@ -145,6 +177,7 @@ FileHandle CreateExclusive(const std::string& path, const std::string& like, std
     ec = Error(errno);
     return kNoFile;
   }
+  SetDirect(fd, true);
   if (!known) return fd;
   mode_t mode = old.st_mode & 0777;
   // The group's rights are for the old file's group, never for another one.
@@ -165,10 +198,20 @@ FileHandle OpenForWriting(const std::string& path, std::error_code& ec) {
 }
 
 bool WriteAll(FileHandle file, const void* data, std::size_t size, std::error_code& ec) {
+  const int fd = static_cast<int>(file);
   const char* next = static_cast<const char*>(data);
   while (size > 0) {
-    const ssize_t n = write(static_cast<int>(file), next, size);
+    const bool direct = Direct(fd);
+    if (direct && !Aligned(fd, next, size)) SetDirect(fd, false);
+    const ssize_t n = write(fd, next, size);
     if (n < 0 && errno == EINTR) continue;
+    // A direct transfer refused (a disk with blocks larger than kDirect, a file system that
+    // takes the flag but not the transfer): the piece goes through the cache, and its
+    // failure there, if it fails again, is the one told.
+    if (n < 0 && direct && Direct(fd)) {
+      SetDirect(fd, false);
+      continue;
+    }
     if (n <= 0) {
       ec = Error(n < 0 ? errno : ENOSPC);
       return false;

@@ -236,6 +236,16 @@ bool TextOutput::Flush() {
   return written;
 }
 
+bool TextOutput::Spill() {
+  if (!block_) return false;
+  const auto held = static_cast<std::size_t>(next_ - block_.get());
+  const std::size_t whole = held - held % sys::kWholePiece;
+  const bool written = file_.Write(block_.get(), whole);
+  std::memmove(block_.get(), block_.get() + whole, held - whole);
+  next_ = block_.get() + (held - whole);
+  return written;
+}
+
 bool TextOutput::Put(const char* text, std::size_t size) {
   char* room = Room(size);
   if (!room) return false;

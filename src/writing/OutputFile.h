@@ -77,15 +77,21 @@ class TextOutput {
   // Room for at least size more characters (size <= kBlock / 2); nullptr
   // once the file has failed.
   char* Room(std::size_t size) {
-    if (static_cast<std::size_t>(end_ - next_) < size && !Flush()) return nullptr;
+    if (static_cast<std::size_t>(end_ - next_) < size && !Spill()) return nullptr;
     return next_;
   }
   // The characters up to end have been written into the room.
   void Used(char* end) { next_ = end; }
   bool Put(const char* text, std::size_t size);
+  // Hands all the block holds to the file.
   bool Flush();
 
  private:
+  // Hands the file the whole pieces (sys::kWholePiece) the block holds and
+  // keeps the rest at its start, so that every piece but the file's last
+  // may go to the disk directly.
+  bool Spill();
+
   struct Release {
     void operator()(char* p) const { ReleasePages(p, kBlock); }
   };

@@ -235,11 +235,15 @@ TEST(RoundTrip, RandomSavesReadBack) {
   std::mt19937_64 random(20240611);
   auto in = [&](Address lo, Address hi) { return std::uniform_int_distribution<Address>(lo, hi)(random); };
   for (int round = 0; round < 60; ++round) {
-    const Address size = in(1, 0x20000), top = 0x100000000 - size;
+    // The first round saves a whole area of 3 MiB and a byte: files that pass the disk in large aligned
+    // pieces, then a tail.
+    const bool whole = round == 0;
+    const Address size = whole ? 0x300001 : in(1, 0x20000), top = 0x100000000 - size;
     // Now and then near the ends of the address space, where the record types change.
     const Address places[] = {0, 0xFFF0, 0xFFFFF0, in(0, top), top};
     const Address first = std::min(places[random() % 5], top), last = first + size - 1;
-    const Address saveFirst = in(first, last), saveLast = in(saveFirst, std::min(last, saveFirst + 0x8000));
+    const Address saveFirst = whole ? first : in(first, last),
+                  saveLast = whole ? last : in(saveFirst, std::min(last, saveFirst + 0x8000));
     const int length = static_cast<int>(in(1, 0xFA));  // longer S records may pass a count of 255
     Module1 source = Image({.area = {first, last}, .save = {saveFirst, saveLast}, .len = length});
     for (Address a = first; a <= last; ++a) source.At(a) = static_cast<std::uint8_t>(random());
