@@ -140,21 +140,25 @@ int CopyAttributes(const std::string& like, int fd) {
 // through the cache.
 constexpr std::uintptr_t kDirect = kWholePiece;
 
-bool Direct(int fd) {
+bool Direct([[maybe_unused]] int fd) {
 #ifdef O_DIRECT
   const int flags = fcntl(fd, F_GETFL);
   return flags >= 0 && (flags & O_DIRECT) != 0;
 #else
-  (void)fd;
   return false;
 #endif
 }
 
-void SetDirect([[maybe_unused]] int fd, [[maybe_unused]] bool on) {
+// Turns direct transfers on or off; tells whether they are on afterwards (a
+// file system without them refuses to turn them on).
+bool SetDirect([[maybe_unused]] int fd, [[maybe_unused]] bool on) {
 #ifdef O_DIRECT
   const int flags = fcntl(fd, F_GETFL);
-  // Refused by a file system without direct transfers: the file stays on the cache.
-  if (flags >= 0) fcntl(fd, F_SETFL, on ? flags | O_DIRECT : flags & ~O_DIRECT);
+  if (flags < 0) return false;
+  const int wanted = on ? flags | O_DIRECT : flags & ~O_DIRECT;
+  return ((fcntl(fd, F_SETFL, wanted) == 0 ? wanted : flags) & O_DIRECT) != 0;
+#else
+  return false;
 #endif
 }
 
@@ -200,20 +204,21 @@ FileHandle OpenForWriting(const std::string& path, std::error_code& ec) {
 bool WriteAll(FileHandle file, const void* data, std::size_t size, std::error_code& ec) {
   const int fd = static_cast<int>(file);
   const char* next = static_cast<const char*>(data);
+  bool direct = Direct(fd);
   while (size > 0) {
-    const bool direct = Direct(fd);
-    if (direct && !Aligned(fd, next, size)) SetDirect(fd, false);
+    if (direct && !Aligned(fd, next, size)) direct = SetDirect(fd, false);
     const ssize_t n = write(fd, next, size);
-    if (n < 0 && errno == EINTR) continue;
+    const int error = n < 0 ? errno : ENOSPC;
+    if (error == EINTR) continue;
     // A direct transfer refused (a disk with blocks larger than kDirect, a file system that
     // takes the flag but not the transfer): the piece goes through the cache, and its
     // failure there, if it fails again, is the one told.
-    if (n < 0 && direct && Direct(fd)) {
-      SetDirect(fd, false);
-      continue;
+    if (n < 0 && direct) {
+      direct = SetDirect(fd, false);
+      if (!direct) continue;
     }
     if (n <= 0) {
-      ec = Error(n < 0 ? errno : ENOSPC);
+      ec = Error(error);
       return false;
     }
     next += n;
