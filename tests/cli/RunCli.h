@@ -1,6 +1,6 @@
 #pragma once
-#include <iterator>
 // Runs the built command line on a call as typed.
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>

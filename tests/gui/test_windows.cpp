@@ -293,7 +293,7 @@ QString Text(QWidget* window, const char* name) {
 }
 
 // The texts of the named controls.
-QStringList Texts(QWidget* window, std::initializer_list<const char*> names) {
+QStringList Texts(QWidget* window, const std::vector<const char*>& names) {
   QStringList texts;
   for (const char* name : names) texts << Text(window, name);
   return texts;
@@ -763,7 +763,7 @@ class TestWindows : public QObject {
     for (const auto& [button, names] : {std::pair{"cmdload", std::vector{"Text4", "Text3", "Dir1"}},
                                         {"cmdblstore", std::vector{"Text1", "Text2", "Text3"}}}) {
       s.script.Dialog<QDialog>([&](QDialog* d) {
-        for (const char* name : names) kept << Text(d, name);
+        kept += Texts(d, names);
         PressKey(d, Qt::Key_Escape);
       });
       s.script.Run([&] { Click(&again, button); });

@@ -148,6 +148,10 @@ TEST(AvailableMemory, MemoryAndSwapWithinTheRoomOfTheGroupsAbove) {
   }
 }
 
+long Count(const Module1& m, std::uint8_t byte) {
+  return std::count(m.Buffer.data(), m.Buffer.data() + m.Buffer.size(), byte);
+}
+
 // An area that can't be read or made falls back to 00000000..0007FFFF, silently; the image holds one spare
 // element, 0, after the area's FF. Exit stores the fields.
 TEST(FormLoad, TakesTheStoredAreaOrFallsBackAndExitStoresTheFields) {
@@ -185,7 +189,7 @@ TEST(FormLoad, TakesTheStoredAreaOrFallsBackAndExitStoresTheFields) {
     EXPECT_EQ(m.BufSize, c.bufLast - c.bufFirst + 1);
     EXPECT_EQ(m.FileError, 0);
     ASSERT_EQ(m.Buffer.size(), static_cast<std::size_t>(m.BufSize + 1));
-    EXPECT_EQ(std::count(m.Buffer.data(), m.Buffer.data() + m.Buffer.size(), 0xFF), m.BufSize);
+    EXPECT_EQ(Count(m, 0xFF), m.BufSize);
     EXPECT_EQ(m.Buffer[static_cast<std::size_t>(m.BufSize)], 0) << "the spare element";
     MemorySettings after;
     StoreAreaOnExit(m, after);
@@ -238,8 +242,7 @@ TEST(BufferClearButton, AsksThenClearsTheImageNameAndDump) {
     EXPECT_EQ(platform.messages, (yes ? std::vector{ask, done} : std::vector{ask}));
     EXPECT_EQ(m.frmsumtool, yes ? fresh : before);
     EXPECT_EQ(platform.pointers, (yes ? std::vector<int>{vbHourglass, vbDefault} : std::vector<int>{}));
-    EXPECT_EQ(std::count(m.Buffer.data(), m.Buffer.data() + 0x101, 0xFF), yes ? 0x100 : 0xFE)
-        << "FF, but not the spare element";
+    EXPECT_EQ(Count(m, 0xFF), yes ? 0x100 : 0xFE) << "FF, but not the spare element";
   }
 }
 
