@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QGridLayout>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QSettings>
 #include <QSpacerItem>
@@ -29,8 +30,20 @@ QString Wrappable(const QString& text) {
   return shown;
 }
 
+namespace {
+// The window a message belongs to: the dialog at work, else the active window. A window manager gives the
+// activation back in its own time after a dialog closes; meanwhile it is the main window the user works in.
+QWidget* MessageOwner() {
+  if (QWidget* dialog = QApplication::activeModalWidget()) return dialog;
+  if (QWidget* active = QApplication::activeWindow()) return active;
+  for (QWidget* window : QApplication::topLevelWidgets())
+    if (window->isVisible() && qobject_cast<QMainWindow*>(window)) return window;
+  return nullptr;
+}
+}  // namespace
+
 int QtPlatform::MsgBox(const std::string& text, int style, const std::string& title) {
-  QMessageBox box(QApplication::activeWindow());
+  QMessageBox box(MessageOwner());
   box.setTextFormat(Qt::PlainText);
   box.setText(Wrappable(QString::fromStdString(text)));
   box.setWindowTitle(title.empty() ? QStringLiteral("Kestrum") : QString::fromStdString(title));
